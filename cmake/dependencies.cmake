@@ -1,0 +1,13 @@
+# Libraries of others; docs/dependencies.md says why each is there.
+
+find_package(XercesC 3.2 REQUIRED)
+find_package(CLI11 REQUIRED)
+find_package(nlohmann_json REQUIRED)
+find_package(fmt REQUIRED)
+find_package(Boost REQUIRED)
+
+find_path(CSV_INCLUDE_DIR csv.h REQUIRED)
+find_library(CSV_LIBRARY csv REQUIRED)
+add_library(orbseq_libcsv INTERFACE)
+target_include_directories(orbseq_libcsv SYSTEM INTERFACE ${CSV_INCLUDE_DIR})
+target_link_libraries(orbseq_libcsv INTERFACE ${CSV_LIBRARY})
