@@ -16,8 +16,7 @@ namespace SEQUENCE_NAMESPACE_800 {
 struct ORBSEQ_EXPORT SeqDictionarySettings {
   // Initial buckets of levels 0 to 7. Level 0 holds the empty sequence alone. The defaults are
   // tuned for lattices whose middle levels are the largest.
-  std::array<std::int32_t, 8> levelTableSize = {2,     11519, 23039, 23039,
-                                                23039, 23039, 11519, 11519};
+  std::array<std::int32_t, 8> levelTableSize = {2, 11519, 23039, 23039, 23039, 23039, 11519, 11519};
   // Initial buckets of every level from 8 up.
   std::int32_t upperTableSize = 89;
   // Number of levels; level n holds the sequences of n items.

@@ -25,21 +25,21 @@ class ORBSEQ_EXPORT SequenceSemiLattice {
   using OrbStatus = OrbCommon_830::OrbStatus;
 
   virtual OrbStatus FindSequences(const Sequence* start, std::set<Sequence*>& out, int minCount,
-                                  int maxCount) = 0;
+                                  int maxCount) const = 0;
   virtual std::int32_t NumberOfSequences() const = 0;
   virtual std::int32_t LargestSequence() const = 0;
   virtual std::int32_t CountSequencesOfSize(int size) const = 0;
   virtual std::int32_t CountSequencesBiggerThan(int size) const = 0;
-  virtual OrbStatus ExportLatticeXML(std::ostream& os, double minimumSupport) = 0;
+  virtual OrbStatus ExportLatticeXML(std::ostream& os, double minimumSupport) const = 0;
   virtual OrbStatus ExportRulesXML(std::ostream& os, double minSupport, double maxSupport,
                                    double minConfidence, double maxConfidence, double minCause,
                                    double maxCause, int maxItemsPerTransaction,
                                    double avgItemsPerTransaction, char sortBy,
-                                   bool maximalOnly) = 0;
+                                   bool maximalOnly) const = 0;
   virtual OrbStatus FindSequencesBeginning(const Sequence* start, std::set<Sequence*>& out,
-                                           int minCount, int maxCount) = 0;
+                                           int minCount, int maxCount) const = 0;
   virtual OrbStatus FindSequencesEnding(const Sequence* start, std::set<Sequence*>& out,
-                                        int minCount, int maxCount) = 0;
+                                        int minCount, int maxCount) const = 0;
   virtual OrbStatus GetCurrentItems(std::vector<SeqConsequentDescriptor>& out,
                                     const Sequence* customer, int maxCount) const = 0;
   virtual OrbStatus GetFutureItems(std::vector<SeqConsequentDescriptor>& out,

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "sequence/Sequence.h"
 #include "sequence/TimedItemSet.h"
@@ -172,6 +173,25 @@ NTSequence& NTSequence::operator=(const NTSequence& other) {
   const PackedSequence packed{other.itemCount_, other.setCount_, other.hash_, other.pattern_,
                               other.items_.get()};
   reuseAs(&packed);
+  return *this;
+}
+
+NTSequence::NTSequence(NTSequence&& other) noexcept
+    : itemCount_(std::exchange(other.itemCount_, 0)),
+      setCount_(std::exchange(other.setCount_, 0)),
+      hash_(std::exchange(other.hash_, 0)),
+      pattern_(std::exchange(other.pattern_, 0)),
+      items_(std::move(other.items_)),
+      room_(std::exchange(other.room_, 0)) {}
+
+NTSequence& NTSequence::operator=(NTSequence&& other) noexcept {
+  if (this == &other) return *this;
+  itemCount_ = std::exchange(other.itemCount_, 0);
+  setCount_ = std::exchange(other.setCount_, 0);
+  hash_ = std::exchange(other.hash_, 0);
+  pattern_ = std::exchange(other.pattern_, 0);
+  items_ = std::move(other.items_);
+  room_ = std::exchange(other.room_, 0);
   return *this;
 }
 

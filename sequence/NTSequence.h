@@ -59,6 +59,8 @@ class ORBSEQ_EXPORT NTSequence {
   NTSequence(const NTSequence& source, std::int32_t item, std::int32_t position);
   NTSequence(const NTSequence& other);
   NTSequence& operator=(const NTSequence& other);
+  NTSequence(NTSequence&& other) noexcept;  // leaves `other` empty
+  NTSequence& operator=(NTSequence&& other) noexcept;
   ~NTSequence();
 
   // Refill this object. The array is replaced only when the number of items changes.
