@@ -1,0 +1,65 @@
+// What the module shows to the outside, and what it asks of its surroundings.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using testing::Contains;
+using testing::HasSubstr;
+using testing::Not;
+
+std::vector<std::string> linesOf(const std::string& command) {
+  std::vector<std::string> lines;
+  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
+  if (!pipe) return lines;
+  char buffer[8192];
+  while (std::fgets(buffer, sizeof buffer, pipe.get()) != nullptr) {
+    lines.emplace_back(buffer);
+    if (!lines.back().empty() && lines.back().back() == '\n') lines.back().pop_back();
+  }
+  return lines;
+}
+
+std::vector<std::string> symbols(const std::string& which) {
+  return linesOf("nm -D -C " + which + " '" ORBSEQ_MODULE "' | cut -c18-");
+}
+
+TEST(Exports, TheEntryAndEveryPublicClassAreThere) {
+  const std::vector<std::string> defined = symbols("--defined-only");
+  const auto has = [](const std::string& text) { return Contains(HasSubstr(text)); };
+
+  EXPECT_THAT(defined, Contains("T GiveMyTranslator"));
+  for (const char* name : {"TimedItemSet", "Sequence", "NTSequence", "SequenceCounter",
+                           "CarmaSequenceDescriptor", "StatsBucket", "HashtableSQPair",
+                           "SeqAssociationRule", "SeqConsequentDescriptor", "SequenceDictionary"})
+    EXPECT_THAT(defined, has("SEQUENCE_NAMESPACE_800::" + std::string(name) + "::")) << name;
+  for (const char* name : {"SequentialTranslator", "SequentialAssocModel", "SequentialResult",
+                           "VectorValue<SEQUENCE_NAMESPACE_800::SeqConsequentDescriptor>"})
+    EXPECT_THAT(defined, has("typeinfo for OrbQuillon_830::" + std::string(name))) << name;
+  for (const char* name : {"DictionaryFailure", "IOException"})
+    EXPECT_THAT(defined,
+                has("typeinfo for SEQUENCE_NAMESPACE_800::SeqExceptions::" + std::string(name)));
+}
+
+TEST(Exports, NothingInternalIsThere) {
+  for (const char* name :
+       {"LatticeReader", "DomPlace", "Scanner", "appendCaseText", "readCaseFields", "Candidates"})
+    EXPECT_THAT(symbols("--defined-only"), Not(Contains(HasSubstr(name)))) << name;
+}
+
+TEST(Exports, HostSymbolsAreLeftToTheProcess) {
+  const std::vector<std::string> needed = linesOf("readelf -d '" ORBSEQ_MODULE "' | grep NEEDED");
+  ASSERT_THAT(needed, Contains(HasSubstr("libc.so")));
+
+  EXPECT_THAT(needed, Not(Contains(HasSubstr("orbscore"))));
+  EXPECT_THAT(needed, Not(Contains(HasSubstr("xerces"))));
+  EXPECT_THAT(symbols("--undefined-only"), Contains(HasSubstr("OrbScore::BaseTranslator")));
+}
+
+}  // namespace
