@@ -42,11 +42,14 @@ OrbCommon_830::OrbStatus SequenceDictionary::buildLattice() {
     const std::int32_t largest = LargestSequence();
     if (const ISQCPair* const empty = findEmpty()) dropLinks(empty->value);
     NTSequence part;
-    for (std::int32_t l = 1; l <= largest; ++l)
-      for (const ISQCPair& entry : *level(l)) {
+    for (std::int32_t l = 1; l <= largest; ++l) {
+      const HashtableSQPair* const table = level(l);
+      if (table == nullptr) break;  // an overridden LargestSequence may promise more
+      for (const ISQCPair& entry : *table) {
         dropLinks(entry.value);
         if (entry.key->size() == l) linkParts(*this, *entry.key, part);
       }
+    }
   } catch (const std::bad_alloc&) {
     return {kFailure, false};
   } catch (const SeqExceptions::DictionaryFailure&) {

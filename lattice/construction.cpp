@@ -67,6 +67,7 @@ SequenceDictionary::SequenceDictionary(const SequenceDictionary& other) noexcept
 
 // Deliberate: shallow. The two share everything, and only one of them may be destroyed.
 SequenceDictionary& SequenceDictionary::operator=(const SequenceDictionary& other) noexcept {
+  if (this == &other) return *this;
   numLevels_ = other.numLevels_;
   reductionThreshold_ = other.reductionThreshold_;
   slidingWindow_ = other.slidingWindow_;

@@ -123,7 +123,9 @@ OrbCommon_830::OrbStatus SequenceDictionary::GetRules(std::vector<SeqAssociation
     for (std::int32_t l = 2; l <= largest; ++l) {
       if (cancelled_.load(std::memory_order_relaxed)) return {kCancelled, false};
       if (total == 0.0) continue;  // support would have a 0 under its fraction
-      for (const ISQCPair& entry : *level(l)) appendRule(working, *this, entry, filter);
+      const HashtableSQPair* const table = level(l);
+      if (table == nullptr) break;  // an overridden LargestSequence may promise more
+      for (const ISQCPair& entry : *table) appendRule(working, *this, entry, filter);
     }
     std::vector<SeqAssociationRule> ordered;
     ordered.reserve(rules.size() + working.size());

@@ -166,7 +166,7 @@ OrbCommon_830::OrbStatus SequenceDictionary::getSequencesOfSize(std::vector<cons
   std::vector<std::unique_ptr<const Sequence>> owned;
   for (const ISQCPair& entry : *table)
     if (!maximalOnly || entry.value == nullptr || entry.value->getNAdjacent() == 0)
-      owned.emplace_back(entry.key->createSequence());
+      owned.push_back(std::unique_ptr<const Sequence>(entry.key->createSequence()));
 
   out.reserve(out.size() + owned.size());  // the last step that can throw
   for (auto& sequence : owned) out.push_back(sequence.release());

@@ -88,7 +88,7 @@ OrbScore::OrbStatus SequentialAssocModel::GetScore(const OrbScore::ScoreCaseReco
   return {};
 }
 
-Sequence SequentialAssocModel::GetSequence(std::string text) const {
+Sequence SequentialAssocModel::GetSequence(const std::string& text) const {
   Sequence sequence;
   appendCaseText(text, sequence);
   return sequence;

@@ -61,7 +61,7 @@ class ORBSEQ_EXPORT SequentialAssocModel : public OrbScore::BaseModel {
  private:
   class Lattice;  // the dictionary, made final so that it can be deleted
 
-  SEQUENCE_NAMESPACE_800::Sequence GetSequence(std::string text) const;
+  SEQUENCE_NAMESPACE_800::Sequence GetSequence(const std::string& text) const;
 
   std::unique_ptr<const Lattice> lattice_;  // null after the default constructor
   std::unique_ptr<SEQUENCE_NAMESPACE_800::Sequence> defaultSequence_;  // empty; never null

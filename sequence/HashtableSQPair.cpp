@@ -16,6 +16,7 @@ namespace {
 // The product in single precision, the sum in double: the rounding decides when a table grows.
 std::int32_t thresholdOf(std::int32_t capacity, float loadFactor) noexcept {
   const float product = static_cast<float>(capacity) * loadFactor;
+  // NOLINTNEXTLINE(bugprone-incorrect-roundings): half up is the rule, and nothing is negative
   return static_cast<std::int32_t>(static_cast<double>(product) + 0.5);
 }
 

@@ -294,7 +294,7 @@ bool NTSequence::operator<(const NTSequence& other) const noexcept {
   // The mask of a 32-item sequence's first item is the sign bit, and the walk wants positive masks.
   if (itemCount_ >= kMaxItems || other.itemCount_ >= kMaxItems) return false;
   for (std::int32_t p = 0; p < other.itemCount_; ++p) {
-    if (p == itemCount_) return true;  // a proper prefix
+    if (p == itemCount_) return p == 0 || endsSet(p - 1);  // a prefix that ends with its set
     const std::int32_t a = items_[static_cast<std::size_t>(p)];
     const std::int32_t b = other.items_[static_cast<std::size_t>(p)];
     if (endsSet(p) != other.endsSet(p)) return endsSet(p) ? a <= b : a < b;

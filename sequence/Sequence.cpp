@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <vector>
 
 #include "common/OrbStatus.h"
@@ -38,8 +39,8 @@ struct Sequence::Body {
     copies.reserve(end - from);
     for (std::size_t i = from; i < end; ++i)
       copies.push_back(std::make_unique<TimedItemSet>(*source[i]));
-    sets.reserve(sets.size() + copies.size());
-    for (auto& copy : copies) sets.push_back(std::move(copy));
+    sets.insert(sets.end(), std::make_move_iterator(copies.begin()),
+                std::make_move_iterator(copies.end()));
   }
 };
 
