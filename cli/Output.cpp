@@ -1,0 +1,46 @@
+#include "cli/Output.h"
+
+#include <cerrno>
+#include <cstdio>
+
+#include "io/IoError.h"
+
+namespace orbseq {
+
+namespace {
+
+constexpr std::size_t kBlockBytes = 64 * 1024;
+
+const char* const kName = "standard output";
+
+}  // namespace
+
+Output::Output(const std::string& path) {
+  if (path != "-")
+    file_.emplace(path);
+  else
+    std::setvbuf(stdout, nullptr, _IONBF, 0);  // our blocks are large: no second buffer
+}
+
+void Output::flushIfFull() {
+  if (text_.size() >= kBlockBytes) flush();
+}
+
+void Output::flush() {
+  errno = 0;
+  if (file_)
+    file_->write(text_);
+  else if (std::fwrite(text_.data(), 1, text_.size(), stdout) != text_.size())
+    throw FileError(kName, "write", errno);
+  text_.clear();
+}
+
+void Output::finish() {
+  flush();
+  if (file_)
+    file_->commit();
+  else if (std::fclose(stdout) != 0)
+    throw FileError(kName, "close", errno);
+}
+
+}  // namespace orbseq

@@ -1,0 +1,30 @@
+// What the command line of `orbseq score` says.
+
+#ifndef CLI_SCOREOPTIONS_H_
+#define CLI_SCOREOPTIONS_H_
+
+#include <cstdint>
+#include <string>
+
+#include "host/DocumentLimits.h"
+
+namespace orbseq {
+
+struct ScoreOptions {
+  std::string model;                   // path of the document
+  std::string input;                   // path of the histories; "-": standard input
+  std::string inputFormat;             // csv or jsonl; empty: told by the input's name
+  std::string returnType = "current";  // current or future
+  std::int32_t maxReturn = 20;         // most answers a customer; 0 or more
+  bool allPrefixes = false;            // future items: shorter beginnings are searched as well
+  std::string format;                  // table, csv or jsonl; empty: as the output is
+  std::string output = "-";            // path; "-": standard output
+  bool quiet = false;                  // no progress, no summary
+  bool dryRun = false;                 // read everything, score nothing
+  std::string module;                  // path of the plug-in; empty: beside the program
+  OrbScore::DocumentLimits limits;
+};
+
+}  // namespace orbseq
+
+#endif  // CLI_SCOREOPTIONS_H_

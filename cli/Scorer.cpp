@@ -1,0 +1,65 @@
+#include "cli/Scorer.h"
+
+#include <new>
+#include <stdexcept>
+#include <utility>
+
+#include "host/EnvironmentError.h"
+#include "io/IoError.h"
+#include "scoring/VectorValue.h"
+#include "scoring/hostapi/QuException.h"
+#include "scoring/hostapi/ScoreModel.h"
+#include "scoring/hostapi/ScoreResult.h"
+#include "sequence/SeqExceptions.h"
+#include "sequence/errorText.h"
+
+namespace orbseq {
+
+using SEQUENCE_NAMESPACE_800::SeqConsequentDescriptor;
+using SEQUENCE_NAMESPACE_800::SeqExceptions;
+
+Scorer::Scorer(std::shared_ptr<const OrbScore::ScoreModel> model, const ScoreOptions& options)
+    : model_(std::move(model)) {
+  record_.SetText("returnType", options.returnType == "future" ? "futureItems" : "currentItems");
+  record_.SetNumber("maxReturn", options.maxReturn);
+  // Deliberate: the module asks whether the field is there, not what it says.
+  if (options.allPrefixes) record_.SetText("fromCurrent", "true");
+}
+
+Scorer::~Scorer() { delete result_; }
+
+void Scorer::prepare(const CustomerHistory& history) {
+  record_.SetText("sequence", history.history);
+}
+
+Answers Scorer::score(const std::string& file, const CustomerHistory& history) {
+  try {
+    return scoreRecord();
+  } catch (const OrbScore::EnvironmentError&) {
+    throw;
+  } catch (const OrbScore::QuException& error) {
+    throw InputError(file, history.row, error.what());
+  } catch (const std::bad_alloc&) {
+    throw std::bad_alloc();
+  } catch (const SeqExceptions::DictionaryFailure&) {
+    throw std::bad_alloc();
+  } catch (...) {
+    throw std::logic_error("scoring " + file + ":" + std::to_string(history.row) + ": " +
+                           describeCurrentException());
+  }
+}
+
+Answers Scorer::scoreRecord() {
+  const OrbScore::OrbStatus status = model_->GetScore(&record_, result_, false);
+  if (status.IsError())
+    throw std::logic_error("the model answered with the error status " +
+                           std::to_string(status.GetErrorCode()));
+  const OrbScore::ScoreValue* prediction = result_ == nullptr ? nullptr : result_->GetPrediction();
+  if (prediction == nullptr || prediction->GetType() != OrbScore::ScoreValue::kVector)
+    throw OrbScore::EnvironmentError("the plug-in's answer is no list of items");
+  // The type code tells the type; a dynamic_cast would need the plug-in at link time.
+  return static_cast<const OrbQuillon_830::VectorValue<SeqConsequentDescriptor>*>(prediction)
+      ->GetVectorValue();
+}
+
+}  // namespace orbseq

@@ -1,0 +1,81 @@
+// The program `orbseq`: reads the command line and runs one command.
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+#include "cli/Output.h"
+#include "cli/exitStatus.h"
+#include "cli/score.h"
+#include "io/process.h"
+
+namespace orbseq {
+
+namespace {
+
+const char* const kVersion = "orbseq " ORBSEQ_VERSION;
+
+const char* const kFooter = R"(Each command tells its options and examples: orbseq COMMAND --help
+
+Data go to standard output, progress and messages to standard error. Exit status: 0 done, 1 wrong
+usage, 2 bad input data, 3 files, plug-in or memory, 4 a bug, 130 interrupted.)";
+
+void print(const std::string& text) {
+  Output output("-");
+  output.text() = text;
+  output.finish();
+}
+
+// Reads the command line; answers false when it only asked for help or the version, which are
+// printed then.
+bool parse(CLI::App& program, int argc, const char* const* argv) {
+  try {
+    program.parse(argc, argv);
+    return true;
+  } catch (const CLI::CallForVersion&) {
+    print(std::string(kVersion) + "\n");
+    return false;
+  } catch (const CLI::Success&) {
+    print(program.help());
+    return false;
+  } catch (const CLI::ParseError& error) {
+    const auto chosen = program.get_subcommands();
+    const std::string help =
+        chosen.empty() ? "orbseq --help" : "orbseq " + chosen.front()->get_name() + " --help";
+    // An unknown command is what stands first among the words that nobody took.
+    const auto rest = program.remaining();
+    const std::string text = chosen.empty() && !rest.empty()
+                                 ? "unknown command or option " + rest.front()
+                                 : error.what();
+    throw UsageError(text + " (see: " + help + ")");
+  }
+}
+
+ExitStatus run(int argc, const char* const* argv) {
+  CLI::App program(
+      "Sequential association models: what a customer takes next, and what completes "
+      "a basket",
+      "orbseq");
+  program.set_version_flag("--version", kVersion, "Print the version and exit");
+  program.set_help_flag("-h,--help", "Print this help and exit");
+  program.require_subcommand(1);
+  program.footer(kFooter);
+
+  ScoreOptions scoreOptions;
+  const CLI::App* const score = addScoreCommand(program, scoreOptions);
+  if (!parse(program, argc, argv)) return ExitStatus::kDone;
+  return score->parsed() ? runScore(scoreOptions) : ExitStatus::kDone;
+}
+
+}  // namespace
+
+}  // namespace orbseq
+
+int main(int argc, char** argv) {
+  orbseq::keepStandardStreams();
+  orbseq::watchForInterrupt();
+  try {
+    return static_cast<int>(orbseq::run(argc, argv));
+  } catch (...) {
+    return static_cast<int>(orbseq::reportCurrentException());
+  }
+}
