@@ -9,7 +9,7 @@ namespace orbseq {
 
 namespace {
 
-constexpr std::size_t kBlockBytes = 64 * 1024;
+constexpr std::size_t kBlockBytes = std::size_t{1} << 16U;
 
 const char* const kName = "standard output";
 

@@ -4,7 +4,7 @@
 #include <array>
 #include <cassert>
 
-#include "io/utf8.h"
+#include "common/utf8.h"
 
 namespace orbseq {
 

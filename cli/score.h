@@ -12,8 +12,9 @@ class App;
 
 namespace orbseq {
 
-// Adds the command to the program's command line and answers its part of it, which the caller
-// keeps no longer than `program`. Parsing fills `options`, which must live until then.
+// Adds the command to the program's command line, which owns what is answered: whether it was
+// parsed tells whether this command was asked for. Parsing fills `options`, which the caller keeps
+// as long as `program`.
 CLI::App* addScoreCommand(CLI::App& program, ScoreOptions& options);
 
 // Does what the options say. Throws what goes wrong; see reportCurrentException().

@@ -6,6 +6,10 @@ find_package(nlohmann_json REQUIRED)
 find_package(fmt REQUIRED)
 find_package(Boost REQUIRED)
 
+find_path(UTFCPP_INCLUDE_DIR utf8cpp/utf8.h REQUIRED)
+add_library(orbseq_utfcpp INTERFACE)
+target_include_directories(orbseq_utfcpp SYSTEM INTERFACE ${UTFCPP_INCLUDE_DIR}/utf8cpp)
+
 find_path(CSV_INCLUDE_DIR csv.h REQUIRED)
 find_library(CSV_LIBRARY csv REQUIRED)
 add_library(orbseq_libcsv INTERFACE)

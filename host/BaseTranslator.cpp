@@ -12,7 +12,7 @@
 
 #include "host/ElementPositions.h"
 #include "host/documentError.h"
-#include "host/utf8.h"
+#include "host/utf16.h"
 #include "scoring/hostapi/QuErrorFormater.h"
 #include "scoring/hostapi/QuException.h"
 #include "scoring/hostapi/QuillonTranscoder.h"

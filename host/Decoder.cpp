@@ -5,7 +5,7 @@
 #include <xercesc/util/XMLException.hpp>
 
 #include "host/documentError.h"
-#include "host/utf8.h"
+#include "host/utf16.h"
 
 namespace OrbScore {
 

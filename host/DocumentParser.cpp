@@ -15,7 +15,7 @@
 #include <xercesc/util/XMLUni.hpp>
 
 #include "host/documentError.h"
-#include "host/utf8.h"
+#include "host/utf16.h"
 #include "scoring/hostapi/QuErrorFormater.h"
 
 namespace OrbScore {

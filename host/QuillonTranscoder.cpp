@@ -7,7 +7,7 @@
 #include "host/XercesSession.h"
 #include "host/documentError.h"
 #include "host/transcoding.h"
-#include "host/utf8.h"
+#include "host/utf16.h"
 
 namespace OrbScore {
 namespace {

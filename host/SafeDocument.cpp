@@ -19,7 +19,7 @@
 #include "host/documentError.h"
 #include "host/oneLine.h"
 #include "host/safeText.h"
-#include "host/utf8.h"
+#include "host/utf16.h"
 #include "scoring/hostapi/QuErrorFormater.h"
 
 namespace OrbScore {

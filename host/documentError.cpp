@@ -7,7 +7,7 @@
 #include <xercesc/util/XMLException.hpp>
 
 #include "host/oneLine.h"
-#include "host/utf8.h"
+#include "host/utf16.h"
 #include "scoring/hostapi/QuErrorFormater.h"
 
 namespace OrbScore {

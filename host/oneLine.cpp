@@ -1,6 +1,6 @@
 #include "host/oneLine.h"
 
-#include "host/utf8.h"
+#include "common/utf8.h"
 
 namespace OrbScore {
 namespace {
@@ -53,7 +53,7 @@ std::string oneLine(std::string_view text, std::size_t maxBytes, bool quoted) {
   std::string out(quoted ? "\"" : "");
   std::size_t at = 0;
   while (at < text.size()) {
-    const std::size_t length = characterBytes(text, at);
+    const std::size_t length = orbseq::firstCharacter(text.substr(at)).length;
     const std::string_view character = text.substr(at, length == 0 ? 1 : length);
     if (at + character.size() > maxBytes) break;
     if (length == 0 || mustBeEscaped(character, quoted))

@@ -4,11 +4,11 @@
 #include <string_view>
 #include <utility>
 
+#include "common/utf8.h"
 #include "host/Decoder.h"
 #include "host/Prologue.h"
 #include "host/TextCursor.h"
 #include "host/documentError.h"
-#include "host/utf8.h"
 #include "scoring/hostapi/QuErrorFormater.h"
 
 namespace OrbScore {
@@ -90,7 +90,7 @@ std::string safeText(std::string bytes, const std::string& name) {
 
   const Prologue::Encoding declared = Prologue::declaredEncoding(bytes);
   if (declared.name.empty() || isUtf8(declared.name)) {
-    if (const std::size_t wrong = firstInvalidByte(bytes); wrong < bytes.size())
+    if (const std::size_t wrong = orbseq::firstInvalidUtf8(bytes); wrong != std::string::npos)
       refuse(bytes, wrong, name, "invalid UTF-8");
   } else if (marked) {
     refuse(bytes, declared.offset, name, "contradicting encodings",

@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t kBufferBytes = 64 * 1024;
+constexpr std::size_t kBufferBytes = std::size_t{1} << 16U;
 
 // Where the path leads to, also when nothing is there yet.
 fs::path followLinks(const std::string& name) {

@@ -7,9 +7,9 @@
 #include <exception>
 #include <new>
 
+#include "common/utf8.h"
 #include "io/IoError.h"
 #include "io/TextSource.h"
-#include "io/utf8.h"
 #include "scoring/hostapi/QuErrorFormater.h"
 
 namespace orbseq {

@@ -10,7 +10,7 @@ namespace orbseq {
 
 namespace {
 
-constexpr std::size_t kBlockBytes = 64 * 1024;
+constexpr std::size_t kBlockBytes = std::size_t{1} << 16U;
 
 std::FILE* openFile(const std::string& path) {
   if (path == "-") return stdin;

@@ -46,9 +46,9 @@ class ORBSEQ_EXPORT SequenceDictionary : public SequenceSemiLattice {
  public:
   // No levels at all, default settings: an object to read a stored lattice into.
   SequenceDictionary();
-  // Owns the array and its tables from the call on, also when the call throws. `tables` has n slots
-  // (slots beyond are never read), made with new[]; a slot may be null. The lattice counts as
-  // built.
+  // Owns the array and its tables once the call returns; when it throws (DictionaryFailure), the
+  // caller still does. `tables` has n slots (slots beyond are never read), made with new[]; a slot
+  // may be null. The lattice counts as built.
   SequenceDictionary(HashtableSQPair** tables, int n);
   // Empty tables of the given sizes, and the empty sequence with count 0 at level 0. Throws
   // DictionaryFailure.
@@ -133,7 +133,7 @@ class ORBSEQ_EXPORT SequenceDictionary : public SequenceSemiLattice {
   // adding one item at a time: at any place; never after the first set but into sets, or as a new
   // first set (Ending); into sets or as a new last set (Beginning). `start` itself is one of them.
   // Sequences above maxCount are walked through, those below minCount are not. The caller owns
-  // what is added. Always OK.
+  // what is added, also when std::bad_alloc passes through. Always OK.
   OrbStatus FindSequences(const Sequence* start, std::set<Sequence*>& out, int minCount,
                           int maxCount) const override;
   OrbStatus FindSequencesBeginning(const Sequence* start, std::set<Sequence*>& out, int minCount,

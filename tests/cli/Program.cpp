@@ -46,8 +46,8 @@ struct Streams {
 }  // namespace
 
 Program::Program(std::vector<std::string> arguments, const Surroundings& surroundings) {
-  arguments.insert(arguments.begin(), ORBSEQ_BINARY_DIR "/orbseq");
-  std::vector<char*> pointers;
+  std::string program = ORBSEQ_BINARY_DIR "/orbseq";
+  std::vector<char*> pointers{program.data()};
   for (std::string& argument : arguments) pointers.push_back(argument.data());
   pointers.push_back(nullptr);
   Streams streams{folder_.file("input", surroundings.input), surroundings.outputPath,

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -131,6 +132,19 @@ TEST(Score, TheExamplesCustomersAreScoredAsATable) {
               EndsWith("customer New customer\n"
                        "     1   302  Cinnamon roll                 0.2825   0.2825  1.0000\n"));
   EXPECT_EQ(outcome.error, "");
+}
+
+TEST(Score, TheExampleIsWhatItsScriptMakes) {
+  if (std::system("python3 --version > /dev/null 2>&1") != 0) GTEST_SKIP() << "no python3";
+  const TempFolder folder;
+  const std::string script = ORBSEQ_SOURCE_DIR "/examples/shop/make_shop.py";
+
+  ASSERT_EQ(std::system(
+                ("python3 '" + script + "' '" + folder.path().string() + "' > /dev/null").c_str()),
+            0);
+
+  EXPECT_TRUE(contentOf(folder.path("lattice.xml")) == contentOf(kModel));
+  EXPECT_EQ(contentOf(folder.path("customers.csv")), contentOf(kCustomers));
 }
 
 TEST(Score, ATerminalGetsATable) {

@@ -49,8 +49,9 @@ TEST(QuErrorFormater, CutsLongText) {
 }
 
 TEST(QuErrorFormater, CutsBetweenCharacters) {
-  EXPECT_EQ(QuErrorFormater::Quote(std::string(63, 'x') + "\xC3\xBC"),
-            '"' + std::string(63, 'x') + "...\"");
+  std::string text(63, 'x');
+  text += "\xC3\xBC";  // its second byte is the 65th
+  EXPECT_EQ(QuErrorFormater::Quote(text), '"' + std::string(63, 'x') + "...\"");
 }
 
 TEST(QuErrorFormater, TellsARange) {

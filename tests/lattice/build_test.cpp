@@ -171,6 +171,7 @@ TEST(BuildLattice, GoesUpToTheOverriddenLargestSequence) {
 
 TEST(BuildLattice, SurvivesAnOverriddenLargestSequenceBeyondTheLevels) {
   WithLargest<50> dictionary(smallTables(4));
+  store(dictionary, {}, 5);
   for (const char* one : {"(1)", "(1)(1)(1)"}) store(dictionary, history(one), 1);
 
   EXPECT_TRUE(dictionary.buildLattice().IsOK());

@@ -102,6 +102,9 @@ TEST(GetRules, ASupportThatIsNoNumberCountsAsZero) {
 
   EXPECT_EQ(ruleTexts(lattice, {.minSupport = kNaN}), Texts{"(1)(2)"});
   EXPECT_THAT(ruleTexts(lattice, {.maxSupport = kNaN}), IsEmpty());
+
+  const Lattice rare({{"", 100}, {"(1)", 56}, {"(2)", 35}, {"(1)(2)", 0}});
+  EXPECT_EQ(ruleTexts(rare, {.maxSupport = kNaN}), Texts{"(1)(2)"});
 }
 
 TEST(GetRules, ABoundOfAFractionThatIsNoNumberHoldsForNone) {
@@ -149,10 +152,12 @@ TEST(GetRules, ACountOfZeroBelowAFractionGivesNoRule) {
   const Lattice noAntecedent({{"", 10}, {"(1)", 0}, {"(2)", 5}, {"(1)(2)", 4}});
   const Lattice noConsequent({{"", 10}, {"(1)", 5}, {"(2)", 0}, {"(1)(2)", 4}});
   const Lattice noCustomers({{"", 0}, {"(1)", 5}, {"(2)", 5}, {"(1)(2)", 4}});
+  const Lattice none({{"", 0}, {"(1)", 5}, {"(2)", 5}, {"(1)(2)", 0}});
 
   EXPECT_THAT(rules(noAntecedent), IsEmpty());
   EXPECT_THAT(rules(noConsequent), IsEmpty());
   EXPECT_THAT(rules(noCustomers), IsEmpty());
+  EXPECT_THAT(rules(none), IsEmpty());
 }
 
 TEST(GetRules, ACountOfZeroAboveTheFractionsGivesZeros) {

@@ -180,6 +180,27 @@ TEST(Search, ThirtyTwoItemsInOneSetDoNotDisturbIt) {
   EXPECT_EQ(answer.size(), 32U + 30U);  // the items, and the ends of the set up to 31 items
 }
 
+// A sequence of 32 items has no order, so that in a frontier it would pass for any other.
+TEST(Search, ASequenceOfThirtyTwoItemsDoesNotStandInAnothersPlace) {
+  SequenceDictionary dictionary(smallTables(33));
+  History customer = singletons(33);  // (1 2)(3 40)(4) .. (33)
+  customer.erase(customer.begin());
+  customer[0] = {1, 2};
+  customer[1] = {3, 40};
+  History tail = singletons(33);
+  tail.erase(tail.begin(), tail.begin() + 2);
+  tail.insert(tail.begin(), Items{1});
+  for (; !tail.empty(); tail.erase(tail.begin())) store(dictionary, tail, 1);
+  for (int item = 1; item <= 40; ++item) store(dictionary, single(item), 1);
+  for (const char* one : {"(40)(33)", "(1)(40)(33)", "(1 2)(40)(33)"})
+    store(dictionary, history(one), 1);
+  dictionary.buildLattice();
+  ASSERT_EQ(dictionary.LargestSequence(), 32);
+
+  EXPECT_THAT(orbseq::test::found(dictionary, customer),
+              testing::Contains(history("(1 2)(40)(33)")));
+}
+
 // --- The customer --------------------------------------------------------------------------------
 
 TEST(Search, LeavesOutTheLastSets) {

@@ -129,7 +129,7 @@ TEST(FindSequences, EndsAtThirtyTwoItems) {
   for (int items = 1; items <= 32; ++items) store(dictionary, singletons(items), 1);
   dictionary.buildLattice();
   const NTSequence whole = packed(singletons(32));
-  dictionary.getDescriptor(&whole)->addAdjacentItem(33, 1);
+  dictionary.getDescriptor(&whole)->addAdjacentItem(33, 65);
 
   EXPECT_EQ(orbseq::test::reached(dictionary, Walk::kBeginning, single(1), 0, kAny).size(), 32U);
 }

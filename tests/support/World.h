@@ -12,6 +12,7 @@
 #define TESTS_SUPPORT_WORLD_H_
 
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <memory>
 #include <optional>
@@ -82,9 +83,9 @@ struct RuleQuery {
   double minSupport = 0.0;
   double maxSupport = 1.0;
   double minConfidence = 0.0;
-  double maxConfidence = 1e9;
+  double maxConfidence = std::numeric_limits<double>::infinity();
   double minCause = 0.0;
-  double maxCause = 1e9;
+  double maxCause = std::numeric_limits<double>::infinity();
   char sortBy = ' ';
   bool maximalOnly = false;
 };
