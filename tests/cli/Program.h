@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/io/TempFolder.h"
+#include "tests/support/TempFolder.h"
 
 namespace orbseq::test {
 

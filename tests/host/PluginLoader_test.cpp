@@ -13,8 +13,8 @@
 #include "host/EnvironmentError.h"
 #include "scoring/hostapi/BaseTranslator.h"
 #include "scoring/hostapi/QuException.h"
-#include "tests/host/TemporaryFolder.h"
 #include "tests/host/messageOf.h"
+#include "tests/support/TempFolder.h"
 
 namespace {
 
@@ -24,8 +24,8 @@ using OrbScore::QuException;
 using OrbScore::SafeDocument;
 using OrbScore::ScoreModel;
 using OrbScore::ScoreTranslator;
+using orbseq::test::TempFolder;
 using test::messageOf;
-using test::TemporaryFolder;
 
 std::string plugin(const std::string& name) { return ORBSEQ_TEST_PLUGINS "/" + name + ".so"; }
 
@@ -172,7 +172,7 @@ TEST(PluginLoader, TellsThatTheFileIsMissing) {
 }
 
 TEST(PluginLoader, TellsThatTheFileIsNoLibrary) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
   const std::string path = folder.file("text.so", "this is no library, but long enough for one");
 
   EXPECT_TRUE(failure(path).starts_with(path + ": cannot load the plug-in: ")) << failure(path);
@@ -222,7 +222,7 @@ TEST(PluginLoader, TellsTheProgramsFolder) {
 }
 
 TEST(PluginLoader, FindsAPluginBesideTheProgram) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
   std::filesystem::create_directories(folder.path("bin"));
   std::filesystem::create_directories(folder.path("lib"));
   const std::string beside = folder.file("bin/plugin.so", "");
@@ -232,7 +232,7 @@ TEST(PluginLoader, FindsAPluginBesideTheProgram) {
 }
 
 TEST(PluginLoader, FindsAPluginInTheLibraryFolderNextToThePrograms) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
   std::filesystem::create_directories(folder.path("bin"));
   std::filesystem::create_directories(folder.path("lib"));
   const std::string library = folder.file("lib/plugin.so", "");

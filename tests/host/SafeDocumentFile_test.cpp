@@ -13,8 +13,8 @@
 #include "host/SafeDocument.h"
 #include "scoring/hostapi/BaseTranslator.h"
 #include "scoring/hostapi/QuException.h"
-#include "tests/host/TemporaryFolder.h"
 #include "tests/host/messageOf.h"
+#include "tests/support/TempFolder.h"
 
 namespace {
 
@@ -23,8 +23,8 @@ using OrbScore::DocumentLimits;
 using OrbScore::EnvironmentError;
 using OrbScore::QuException;
 using OrbScore::SafeDocument;
+using orbseq::test::TempFolder;
 using test::messageOf;
-using test::TemporaryFolder;
 
 // Notices whether a file is opened.
 class OpenWatch {
@@ -72,7 +72,7 @@ std::string failure(const std::string& path) {
 }
 
 TEST(SafeDocumentFile, LoadsAFile) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
   const std::string path = folder.file("d.xml", "<a><b/></a>");
 
   const SafeDocument document = SafeDocument::Load(path);
@@ -82,7 +82,7 @@ TEST(SafeDocumentFile, LoadsAFile) {
 }
 
 TEST(SafeDocumentFile, LoadsAFileOfSeveralBlocks) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
   const std::string path = folder.file("d.xml", "<a>" + std::string(1'000'000, ' ') + "<b/></a>");
 
   const SafeDocument document = SafeDocument::Load(path);
@@ -92,8 +92,8 @@ TEST(SafeDocumentFile, LoadsAFileOfSeveralBlocks) {
 }
 
 TEST(SafeDocumentFile, ADashIsAFileLikeAnyOther) {
-  const TemporaryFolder folder;
-  const WorkingFolder here(folder.path());
+  const TempFolder folder;
+  const WorkingFolder here(folder.path().string());
 
   EXPECT_EQ(failure("-"), "-: cannot open the document: No such file or directory");
 
@@ -102,7 +102,7 @@ TEST(SafeDocumentFile, ADashIsAFileLikeAnyOther) {
 }
 
 TEST(SafeDocumentFile, ErrorsOfContentNameTheFile) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
   const std::string path = folder.file("d.xml", "<a>\n</b>");
 
   EXPECT_EQ(refusal(path), path + ":2:3: expected end of tag 'a'");
@@ -115,14 +115,15 @@ TEST(SafeDocumentFile, AFileThatIsNotThereIsNoQuestionOfContent) {
 }
 
 TEST(SafeDocumentFile, AFolderIsNoQuestionOfContent) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
 
-  EXPECT_EQ(failure(folder.path()), folder.path() + ": cannot read the document: Is a directory");
+  EXPECT_EQ(failure(folder.path().string()),
+            folder.path().string() + ": cannot read the document: Is a directory");
 }
 
 TEST(SafeDocumentFile, AFileThatMayNotBeReadIsNoQuestionOfContent) {
   if (geteuid() == 0) GTEST_SKIP() << "the administrator may read everything";
-  const TemporaryFolder folder;
+  const TempFolder folder;
   const std::string path = folder.file("d.xml", "<a/>");
   std::filesystem::permissions(path, std::filesystem::perms::none);
 
@@ -130,7 +131,7 @@ TEST(SafeDocumentFile, AFileThatMayNotBeReadIsNoQuestionOfContent) {
 }
 
 TEST(SafeDocumentFile, AFileOfTheLimitLoadsAndOneByteMoreIsRefused) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
   const std::string path = folder.file("d.xml", "<a/>");
 
   EXPECT_EQ(refusal(path, {.bytes = 4}), "no error");
@@ -139,7 +140,7 @@ TEST(SafeDocumentFile, AFileOfTheLimitLoadsAndOneByteMoreIsRefused) {
 }
 
 TEST(SafeDocumentFile, AFileThatIsTooLargeIsNotEvenOpened) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
   const std::string path = folder.file("d.xml", "<a/>");
   std::filesystem::resize_file(path, std::uintmax_t{2} << 30);
   OpenWatch watch(path);
@@ -152,7 +153,7 @@ TEST(SafeDocumentFile, AFileThatIsTooLargeIsNotEvenOpened) {
 }
 
 TEST(SafeDocumentFile, LoadsFromAPipe) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
   const std::string path = folder.path("pipe");
   ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
   std::thread writer([&path] { std::ofstream(path) << "<a><b/></a>"; });
@@ -170,9 +171,9 @@ TEST(SafeDocumentFile, ReadsOneByteBeyondTheLimitOfWhatHasNoEnd) {
 }
 
 TEST(SafeDocumentFile, NeverOpensTheDtd) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
   const std::string dtd = folder.file("x.dtd", "<!ENTITY zz 'never'><!this is an error");
-  const WorkingFolder here(folder.path());
+  const WorkingFolder here(folder.path().string());
   OpenWatch watch(dtd);
 
   for (const std::string& id : {std::string("x.dtd"), dtd, "file://" + dtd}) {
@@ -189,18 +190,18 @@ TEST(SafeDocumentFile, NeverOpensTheDtd) {
 
 // To open a pipe without a writer would wait for ever.
 TEST(SafeDocumentFile, NeverWaitsForADtdThatIsAPipe) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
   ASSERT_EQ(mkfifo(folder.path("x.dtd").c_str(), 0600), 0);
-  const WorkingFolder here(folder.path());
+  const WorkingFolder here(folder.path().string());
   const std::string path = folder.file("d.xml", "<!DOCTYPE a SYSTEM 'x.dtd'><a/>");
 
   EXPECT_EQ(refusal(path), "no error");
 }
 
 TEST(SafeDocumentFile, NeverOpensASchema) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
   const std::string schema = folder.file("x.xsd", "<error");
-  const WorkingFolder here(folder.path());
+  const WorkingFolder here(folder.path().string());
   OpenWatch watch(schema);
   const std::string path = folder.file(
       "d.xml",

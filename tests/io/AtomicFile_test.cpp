@@ -13,7 +13,7 @@
 #include <string>
 
 #include "io/IoError.h"
-#include "tests/io/TempFolder.h"
+#include "tests/support/TempFolder.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "io/IoError.h"
-#include "tests/io/TempFolder.h"
+#include "tests/support/TempFolder.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "io/IoError.h"
-#include "tests/io/TempFolder.h"
+#include "tests/support/TempFolder.h"
 
 namespace {
 

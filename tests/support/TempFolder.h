@@ -1,7 +1,7 @@
 // A folder for one test, gone with its content when the test ends.
 
-#ifndef TESTS_IO_TEMPFOLDER_H_
-#define TESTS_IO_TEMPFOLDER_H_
+#ifndef TESTS_SUPPORT_TEMPFOLDER_H_
+#define TESTS_SUPPORT_TEMPFOLDER_H_
 
 #include <stdlib.h>
 
@@ -66,4 +66,4 @@ std::string errorOf(Operation operation) {
 
 }  // namespace orbseq::test
 
-#endif  // TESTS_IO_TEMPFOLDER_H_
+#endif  // TESTS_SUPPORT_TEMPFOLDER_H_
