@@ -1,0 +1,7 @@
+#include "xml/XMLInterface.h"
+
+namespace OrbXML_830 {
+
+XMLInterface::~XMLInterface() = default;
+
+}  // namespace OrbXML_830
