@@ -28,7 +28,20 @@ const char* textOf(Message message) noexcept {
   return "";
 }
 
-void print(Message message) {
+namespace {
+
+// The slot in which each stream keeps whether it is silenced.
+int silencedSlot() {
+  static const int slot = std::ios_base::xalloc();
+  return slot;
+}
+
+}  // namespace
+
+void silence(std::ios_base& stream) { stream.iword(silencedSlot()) = 1; }
+
+void print(Message message, std::ios_base& stream) {
+  if (stream.iword(silencedSlot()) != 0) return;
   const bool saving =
       message == Message::kSavingDictionary || message == Message::kSavingDictionaryXml;
   (saving ? std::cout : std::cerr) << textOf(message) << std::flush;

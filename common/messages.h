@@ -1,10 +1,15 @@
 // The one-line messages that the readers and writers of stored forms promise, and the only place
 // that prints them.
 //
-// Threads: any; a line is written as one piece.
+// Whoever tells its own user what went wrong silences the stream first: then nothing is printed for
+// it, and the exception or the answer 0 is all there is.
+//
+// Threads: any; a line is written as one piece. A stream is for one thread at a time.
 
 #ifndef COMMON_MESSAGES_H_
 #define COMMON_MESSAGES_H_
+
+#include <iosfwd>
 
 namespace orbseq {
 
@@ -24,7 +29,10 @@ enum class Message {
 
 const char* textOf(Message message) noexcept;  // with its line feed
 
-void print(Message message);
+// Prints the message that belongs to a failure of `stream`, unless the stream is silenced.
+void print(Message message, std::ios_base& stream);
+
+void silence(std::ios_base& stream);
 
 }  // namespace orbseq
 

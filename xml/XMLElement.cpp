@@ -58,10 +58,11 @@ int XMLElement::ToStream(std::ostream& os, ExportFormat& format, bool utf8) cons
 }
 
 void XMLElement::write(Sink& sink, ExportFormat& format) const {
-  const std::string tabs = format.HasIndentation() ? XMLUtil::GetTabs(format.GetLevel()) : "";
+  const std::string tabs = XMLUtil::GetTabs(format.GetLevel());
   std::string buffer;
   if (format.IsNewParagraph()) buffer += XMLUtil::ROWSEP;
-  sink.text(buffer + tabs + XMLUtil::BEGIN_ELEMENT + name_);
+  if (format.HasIndentation()) buffer += tabs;
+  sink.text(buffer + XMLUtil::BEGIN_ELEMENT + name_);
 
   format.EnterLevel();
   std::string prefix = XMLUtil::SPACE;
@@ -77,9 +78,10 @@ void XMLElement::write(Sink& sink, ExportFormat& format) const {
     sink.text(XMLUtil::END_ELEMENT);
     for (const auto& child : children_) sink.node(*child, format);
     format.LeaveLevel();
-    // On a new line unless the last child was a text.
+    // On a new line unless the last child was a text; a child may have changed the layout.
     buffer = format.IsNewParagraph() ? XMLUtil::ROWSEP : "";
-    sink.text(buffer + tabs + "</" + name_ + XMLUtil::END_ELEMENT);
+    if (format.HasIndentation()) buffer += tabs;
+    sink.text(buffer + "</" + name_ + XMLUtil::END_ELEMENT);
   }
   format.SetIsNewParagraph(true);
 }

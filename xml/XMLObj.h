@@ -16,7 +16,7 @@
 //
 // Errors. The writers return 0 and ignore the stream's state. The readers return false when the
 // stream has failed or has nothing left, when the line is too long, a token is missing or a name
-// differs; the stream then stands behind the line.
+// differs; the stream then stands behind the line, or has failed within one that is too long.
 // Threads: no state is shared; any number of streams may be read and written at once.
 
 #ifndef XML_XMLOBJ_H_
@@ -65,7 +65,7 @@ ORBSEQ_EXPORT int EndHeader(std::ostream& os);
 
 // The two lines before the root, and the root's start.
 ORBSEQ_EXPORT bool ParseStartXML(std::istream& is);
-// Skips one empty line, not more.
+// Skips one empty line, not more. The bracket must end on its line.
 ORBSEQ_EXPORT bool ParseStartObj(std::istream& is, const std::string& name);
 ORBSEQ_EXPORT bool ParseEndObj(std::istream& is);
 

@@ -42,7 +42,14 @@ class Converter {
     return true;
   }
 
-  void restart() { ::iconv(handle_, nullptr, nullptr, nullptr, nullptr); }
+  // Appends a character that waited for one to combine with, and begins anew.
+  void flush(std::u16string& out) {
+    std::array<char16_t, 16> block;
+    char* to = reinterpret_cast<char*>(block.data());
+    std::size_t room = block.size() * sizeof(char16_t);
+    ::iconv(handle_, nullptr, nullptr, &to, &room);
+    out.append(block.data(), block.size() - room / sizeof(char16_t));
+  }
 
  private:
   iconv_t handle_;
@@ -55,10 +62,11 @@ std::u16string narrowToUtf16(std::string_view text) {
   units.reserve(text.size());
   Converter converter(::nl_langinfo(CODESET));
   while (!text.empty()) {
-    if (converter.isOpen() && converter.convert(text, units)) break;
+    const bool isWhole = converter.isOpen() && converter.convert(text, units);
+    if (converter.isOpen()) converter.flush(units);
+    if (isWhole) break;
     units += kReplacement;
     text.remove_prefix(1);
-    if (converter.isOpen()) converter.restart();
   }
   return units;
 }
