@@ -7,11 +7,15 @@
 #define LATTICE_SEQDICTIONARYSETTINGS_H_
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <iosfwd>
 
 #include "common/OrbExport.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
+
+class BinaryReader;
 
 struct ORBSEQ_EXPORT SeqDictionarySettings {
   // Initial buckets of levels 0 to 7. Level 0 holds the empty sequence alone. The defaults are
@@ -23,6 +27,25 @@ struct ORBSEQ_EXPORT SeqDictionarySettings {
   std::int32_t numLevels = 10;
   // Copied with the others, never read and never stored.
   std::int32_t reserved = 0;
+
+  // Initial buckets of a level. Requires level >= 0.
+  std::int32_t tableSizeOf(std::int32_t level) const noexcept {
+    const auto index = static_cast<std::size_t>(level);
+    return index < levelTableSize.size() ? levelTableSize[index] : upperTableSize;
+  }
+
+  // What stored settings may ask for. Never clamped, since the sizes fix the order.
+  static constexpr std::int32_t kMaxStoredLevels = 64;
+  static constexpr std::int32_t kMaxStoredBuckets = 1 << 22;  // of all levels together
+
+  // Stored forms: binary, and objects in lines of XML (xml/XMLObj.h). Each answers its promised
+  // count. Sizes below 1 and whatever is beyond the limits are refused: the readers print their
+  // message, throw SeqExceptions::IOException by pointer, and change nothing.
+  std::uint64_t writeObject(std::ostream& os) const;
+  std::uint64_t readObject(std::istream& is);
+  std::uint64_t readObject(BinaryReader& reader);
+  std::uint64_t writeObjectXML(std::ostream& os) const;
+  std::uint64_t readObjectXML(std::istream& is);
 };
 
 }  // namespace SEQUENCE_NAMESPACE_800

@@ -85,6 +85,8 @@ class ORBSEQ_EXPORT SequenceDictionary : public SequenceSemiLattice {
   void setMinGap(double gap) noexcept { minGap_ = gap; }
   void setMaxGap(double gap) noexcept { maxGap_ = gap; }
   void setSlidingWindow(double width) noexcept { slidingWindow_ = width; }
+  // The share of customers that a stored sequence reaches at least; 0: not known.
+  void setReductionThreshold(double share) noexcept { reductionThreshold_ = share; }
   double getMinGap() const noexcept { return minGap_; }
   double getMaxGap() const noexcept { return maxGap_; }
   double getSlidingWindow() const noexcept { return slidingWindow_; }
@@ -92,6 +94,8 @@ class ORBSEQ_EXPORT SequenceDictionary : public SequenceSemiLattice {
   const SeqDictionarySettings& getSettings() const noexcept { return settings_; }
   std::int32_t getNumLevels() const noexcept { return numLevels_; }
   bool isLatticeBuilt() const noexcept { return latticeBuilt_; }
+  // A level's table, to be read alone; null when there is none.
+  const HashtableSQPair* getTable(std::int32_t index) const noexcept { return level(index); }
   // Makes GetFutureItems and GetRules give up at their next pass or level, for good.
   void setCancel() noexcept { cancelled_.store(true, std::memory_order_relaxed); }
 
@@ -163,7 +167,10 @@ class ORBSEQ_EXPORT SequenceDictionary : public SequenceSemiLattice {
                             int maxCount) const override;
 
   // --- Exports ---------------------------------------------------------------------------------
-  // Not available yet: both answer with an error of code 60000 and write nothing.
+  // Write the lattice, and the rules that GetRules selects, as XML documents: what the writers in
+  // lattice/LatticeDocument.h write with the options that add nothing. The stream's state is not
+  // looked at. Errors: that of GetRules, and then nothing is written; 60000 when something fails,
+  // and then a part may have been.
   OrbStatus ExportLatticeXML(std::ostream& os, double minimumSupport) const override;
   OrbStatus ExportRulesXML(std::ostream& os, double minSupport, double maxSupport,
                            double minConfidence, double maxConfidence, double minCause,
@@ -171,10 +178,32 @@ class ORBSEQ_EXPORT SequenceDictionary : public SequenceSemiLattice {
                            double avgItemsPerTransaction, char sortBy,
                            bool maximalOnly) const override;
 
+  // --- Stored forms ----------------------------------------------------------------------------
+  // Binary, and an object in lines of XML (xml/XMLObj.h) whose declaration and root the caller
+  // writes and reads. The XML form holds the levels 0 .. LargestSequence() alone. Entries without a
+  // counter come back with one of zeros. Each answers its promised count, which is not the number
+  // of bytes; the caller flushes and checks the stream.
+  //
+  // Errors. A stream that has failed is not written to: message, and SeqExceptions::IOException by
+  // pointer. A bad binary form: message and the same. A bad XML form: 0; for bad settings message
+  // and exception. DictionaryFailure or std::bad_alloc when memory runs out. After any of them the
+  // dictionary holds a part, and can be destroyed and read into. A read frees what was held before.
+  std::uint64_t writeObject(std::ostream& os) const;
+  std::uint64_t writeObject(std::fstream& file) const;
+  std::uint64_t readObject(std::istream& is);
+  std::uint64_t readObject(std::fstream& file);
+  std::uint64_t writeObjectXML(std::ostream& os) const;
+  // `name` is the object's name; null: "SequenceDictionary", which is what the writer writes.
+  std::uint64_t readObjectXML(std::istream& is);
+  std::uint64_t readObjectXML(std::istream& is, const char* name);
+  std::uint64_t readObjectXML(std::fstream& file);
+  std::uint64_t readObjectXML(std::fstream& file, const char* name);
+
  private:
   void createDictionary(const SeqDictionarySettings& settings);
   void defineLevel0();
   void destroy() noexcept;
+  SeqDictionarySettings storedSettings() const noexcept;
 
   const HashtableSQPair* level(std::int32_t index) const noexcept;  // null when there is none
   HashtableSQPair* level(std::int32_t index) noexcept;

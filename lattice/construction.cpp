@@ -22,8 +22,7 @@ std::unique_ptr<std::int32_t[]> tableSizesOf(const SeqDictionarySettings& settin
   const std::size_t entries = numLevels < 0 ? 0 : static_cast<std::size_t>(numLevels) + 1;
   auto sizes = std::make_unique<std::int32_t[]>(entries);
   for (std::size_t i = 0; i < entries; ++i)
-    sizes[i] =
-        i < settings.levelTableSize.size() ? settings.levelTableSize[i] : settings.upperTableSize;
+    sizes[i] = settings.tableSizeOf(static_cast<std::int32_t>(i));
   return sizes;
 }
 

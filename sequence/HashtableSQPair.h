@@ -17,11 +17,13 @@
 #define SEQUENCE_HASHTABLESQPAIR_H_
 
 #include <cstdint>
+#include <iosfwd>
 
 #include "common/OrbExport.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
 
+class BinaryReader;
 class HashtableSQPair;
 class NTSequence;
 class SequenceCounter;
@@ -116,6 +118,20 @@ class ORBSEQ_EXPORT HashtableSQPair {
   // Writes a line per bucket, without the entries, to the standard output stream.
   void display() const;
 
+  // Stored forms: binary, and objects in lines of XML (xml/XMLObj.h), entries in the table's order.
+  // Each answers its promised count. An entry without a counter is stored with one of zeros. A
+  // read adds its entries with putOverwrite; a count below 1 adds none. The binary reader
+  // prints its message and throws SeqExceptions::IOException by pointer, the other answers 0; both
+  // keep the entries read so far.
+  std::uint64_t writeObject(std::ostream& os) const;
+  std::uint64_t writeObject(std::fstream& file) const;
+  std::uint64_t readObject(std::istream& is);
+  std::uint64_t readObject(std::fstream& file);
+  std::uint64_t readObject(BinaryReader& reader);
+  std::uint64_t writeObjectXML(std::ostream& os) const;
+  std::uint64_t readObjectXML(std::istream& is);
+  std::uint64_t readObjectXML(std::fstream& file);
+
  protected:
   // The key's bucket. Requires a capacity above 0. Negative hashes are reduced into range.
   std::int32_t hashedKey(const NTSequence* key) const noexcept;
@@ -129,6 +145,7 @@ class ORBSEQ_EXPORT HashtableSQPair {
   SQCPairNode* find(const NTSequence* key) const noexcept;
   void insert(NTSequence* key, SequenceCounter* value);
   void release() noexcept;  // destroys entries and buckets
+  static bool fits(const NTSequence& key, const SequenceCounter& counter) noexcept;
 
   SQCPairNode** buckets_ = nullptr;  // [capacity_] chain heads, null where a chain is empty
   std::int32_t capacity_ = 0;

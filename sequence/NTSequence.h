@@ -29,6 +29,7 @@
 
 namespace SEQUENCE_NAMESPACE_800 {
 
+class BinaryReader;
 class Sequence;
 
 // What NTSequence::reuseAs takes over as it stands. `items` points to itemCount items of the
@@ -114,11 +115,31 @@ class ORBSEQ_EXPORT NTSequence {
   // Writes "<(1 2)(5)>" and a line break.
   void display(std::ostream& out) const;
 
+  // Stored forms: binary, and objects in lines of XML (xml/XMLObj.h). Each answers its promised
+  // count. The binary readers print their message and throw SeqExceptions::IOException by pointer,
+  // the others print it and answer 0; a failed read changes nothing here.
+  // The hash is not stored but computed anew. What the fields say of items and sets must agree.
+  // Deliberate: the binary reader of a sequence alone takes an item count below 1 for the empty
+  // sequence; the one that a table uses refuses it unless the other fields say so too.
+  std::uint64_t writeObject(std::ostream& os) const;
+  std::uint64_t writeObject(std::fstream& file) const;
+  std::uint64_t readObject(std::istream& is);
+  std::uint64_t readObject(std::fstream& file);
+  std::uint64_t readObject(BinaryReader& reader);
+  std::uint64_t writeObjectXML(std::ostream& os) const;
+  std::uint64_t readObjectXML(std::istream& is);
+  std::uint64_t readObjectXML(std::fstream& file);
+
  private:
   class Builder;  // NTSequence.cpp: collects items and set ends, checks the limit
 
   void take(const Builder& builder, std::int32_t room);
   void computeHash() noexcept;
+
+  enum class Strictness { kStrict, kLenient };
+  void readStored(BinaryReader& reader, Strictness strictness);
+  static bool isStorable(std::int32_t items, std::int32_t sets, std::int32_t pattern) noexcept;
+  void becomeStored(const PackedSequence& stored);
 
   std::int32_t itemCount_ = 0;
   std::int32_t setCount_ = 0;

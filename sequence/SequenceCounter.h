@@ -23,6 +23,8 @@
 
 namespace SEQUENCE_NAMESPACE_800 {
 
+class BinaryReader;
+
 class ORBSEQ_EXPORT SequenceCounter {
  public:
   using AdjacentItem = std::pair<std::int32_t, std::int32_t>;  // item, position
@@ -69,7 +71,25 @@ class ORBSEQ_EXPORT SequenceCounter {
   // precision 2.
   void display(std::ostream& out, bool showAdjacent) const;
 
+  // Stored forms: binary, and objects in lines of XML (xml/XMLObj.h). Each answers its promised
+  // count. The binary readers print their message and throw SeqExceptions::IOException by pointer,
+  // the others print it and answer 0; a failed read changes nothing here.
+  // Statistics and adjacency set that a read replaces are destroyed.
+  std::uint64_t writeObject(std::ostream& os) const;
+  std::uint64_t writeObject(std::fstream& file) const;
+  std::uint64_t readObject(std::istream& is);
+  std::uint64_t readObject(std::fstream& file);
+  std::uint64_t readObject(BinaryReader& reader);
+  std::uint64_t writeObjectXML(std::ostream& os) const;
+  std::uint64_t readObjectXML(std::istream& is);
+  std::uint64_t readObjectXML(std::fstream& file);
+
  private:
+  std::uint64_t binaryCount() const noexcept;
+  std::uint64_t xmlLines() const noexcept;
+  static std::unique_ptr<AdjacentItems> readAdjacency(BinaryReader& reader);
+  static std::unique_ptr<StatsBucket> readStatistics(BinaryReader& reader);
+
   std::int32_t count_ = 0;
   std::int32_t ordinalOfEntry_ = 0;
   std::int32_t maxMissed_ = 0;

@@ -5,9 +5,14 @@
 #ifndef SEQUENCE_STATSBUCKET_H_
 #define SEQUENCE_STATSBUCKET_H_
 
+#include <cstdint>
+#include <iosfwd>
+
 #include "common/OrbExport.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
+
+class BinaryReader;
 
 class ORBSEQ_EXPORT StatsBucket {
  public:
@@ -27,6 +32,16 @@ class ORBSEQ_EXPORT StatsBucket {
   void setTotal(double total) noexcept { total_ = total; }
   void setMinimum(double minimum) noexcept { minimum_ = minimum; }
   void setMaximum(double maximum) noexcept { maximum_ = maximum; }
+
+  // Stored forms: binary, and objects in lines of XML (xml/XMLObj.h). Each answers its promised
+  // count. The binary readers print their message and throw SeqExceptions::IOException by pointer,
+  // the others print it and answer 0; a failed read changes nothing here.
+  // Deliberate: the binary count is 30, although 34 bytes are written.
+  std::uint64_t writeObject(std::ostream& os) const;
+  std::uint64_t readObject(std::istream& is);
+  std::uint64_t readObject(BinaryReader& reader);
+  std::uint64_t writeObjectXML(std::ostream& os) const;
+  std::uint64_t readObjectXML(std::istream& is);
 
  private:
   double occurrences_ = 0.0;  // number of observations

@@ -1,0 +1,98 @@
+#include "lattice/SeqDictionarySettings.h"
+
+#include <algorithm>
+#include <istream>
+#include <ostream>
+#include <string>
+
+#include "common/messages.h"
+#include "sequence/BinaryReader.h"
+#include "sequence/SeqExceptions.h"
+#include "sequence/binaryWriter.h"
+#include "xml/XMLObj.h"
+
+namespace SEQUENCE_NAMESPACE_800 {
+
+namespace {
+
+const char* const kObject = "DictionarySettings";
+constexpr std::int32_t kTabs = 2;
+constexpr std::uint64_t kBinaryCount = 42;
+constexpr std::uint64_t kXmlLines = 12;
+
+// What stored settings do wrong, or nothing: no table is made of numbers that were not looked at.
+std::string faultOf(const SeqDictionarySettings& settings) {
+  const auto isSize = [](std::int32_t size) {
+    return size >= 1 && size <= SeqDictionarySettings::kMaxStoredBuckets;
+  };
+  const auto& sizes = settings.levelTableSize;
+  const std::string range = " outside 1..";
+  if (!std::all_of(sizes.begin(), sizes.end(), isSize) || !isSize(settings.upperTableSize))
+    return "table size" + range + std::to_string(SeqDictionarySettings::kMaxStoredBuckets);
+  const std::int32_t levels = settings.numLevels;
+  if (levels < 1 || levels > SeqDictionarySettings::kMaxStoredLevels)
+    return "number of levels " + std::to_string(levels) + range +
+           std::to_string(SeqDictionarySettings::kMaxStoredLevels);
+  std::int64_t buckets = 0;
+  for (std::int32_t i = 0; i < levels; ++i) buckets += settings.tableSizeOf(i);
+  if (buckets > SeqDictionarySettings::kMaxStoredBuckets)
+    return "buckets of all tables together, " + std::to_string(buckets) + "," + range +
+           std::to_string(SeqDictionarySettings::kMaxStoredBuckets);
+  return {};
+}
+
+}  // namespace
+
+// Deliberate: numLevels stands before upperTableSize, in both forms.
+std::uint64_t SeqDictionarySettings::writeObject(std::ostream& os) const {
+  writeMarker(os, "DS");
+  for (const std::int32_t size : levelTableSize) writeInteger(os, size);
+  writeInteger(os, numLevels);
+  writeInteger(os, upperTableSize);
+  return kBinaryCount;
+}
+
+std::uint64_t SeqDictionarySettings::readObject(BinaryReader& reader) {
+  const BinaryReader::Object object(reader, orbseq::Message::kReadingSettings);
+  reader.marker("DS");
+  SeqDictionarySettings read = *this;
+  for (std::int32_t& size : read.levelTableSize) size = reader.integer("table size");
+  read.numLevels = reader.integer("number of levels");
+  read.upperTableSize = reader.integer("table size of upper levels");
+  const std::string fault = faultOf(read);
+  if (!fault.empty()) reader.refuse("settings", fault);
+  *this = read;
+  return kBinaryCount;
+}
+
+std::uint64_t SeqDictionarySettings::readObject(std::istream& is) {
+  BinaryReader reader(is);
+  return readObject(reader);
+}
+
+std::uint64_t SeqDictionarySettings::writeObjectXML(std::ostream& os) const {
+  const OrbXML_830::XMLObj object(kObject, kTabs);
+  object.StartObj(os);
+  for (const std::int32_t size : levelTableSize) object.WriteSubElement(os, size);
+  object.WriteSubElement(os, numLevels);
+  object.WriteSubElement(os, upperTableSize);
+  object.EndObj(os);
+  return kXmlLines;
+}
+
+std::uint64_t SeqDictionarySettings::readObjectXML(std::istream& is) {
+  SeqDictionarySettings read = *this;
+  bool ok = OrbXML_830::ParseStartObj(is, kObject);
+  for (std::int32_t& size : read.levelTableSize) ok = ok && OrbXML_830::ParseValue(is, size);
+  ok = ok && OrbXML_830::ParseValue(is, read.numLevels) &&
+       OrbXML_830::ParseValue(is, read.upperTableSize) && OrbXML_830::ParseEndObj(is);
+  const std::string fault = ok ? faultOf(read) : "cannot be read";
+  if (!fault.empty()) {
+    orbseq::print(orbseq::Message::kReadingSettings, is);
+    throw new SeqExceptions::IOException(std::string(kObject) + ": " + fault);
+  }
+  *this = read;
+  return kXmlLines;
+}
+
+}  // namespace SEQUENCE_NAMESPACE_800
