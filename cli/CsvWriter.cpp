@@ -1,26 +1,11 @@
 #include "cli/CsvWriter.h"
 
-#include <string_view>
-
 #include "cli/numberText.h"
+#include "io/csvField.h"
 
 namespace orbseq {
 
-namespace {
-
-std::string csvField(std::string_view text) {
-  if (text.find_first_of(",\"\r\n") == std::string_view::npos) return std::string(text);
-  std::string field = "\"";
-  for (const char c : text) {
-    if (c == '"') field += '"';
-    field += c;
-  }
-  return field += '"';
-}
-
-}  // namespace
-
-CsvWriter::CsvWriter(const OrbScore::ScoreDictionary* labels) : labels_(labels, csvField) {}
+CsvWriter::CsvWriter(const ItemLabelMap& labels) : labels_(labels, csvField) {}
 
 void CsvWriter::appendHeader(std::string& out) const {
   out += "customer,rank,item,label,confidence,support,cause\n";

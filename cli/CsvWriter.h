@@ -16,7 +16,7 @@ namespace orbseq {
 
 class CsvWriter final : public ResultWriter {
  public:
-  explicit CsvWriter(const OrbScore::ScoreDictionary* labels);
+  explicit CsvWriter(const ItemLabelMap& labels);
 
   void appendHeader(std::string& out) const override;
   void appendAnswers(std::string& out, const std::string& customer, Answers answers) override;

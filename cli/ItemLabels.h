@@ -1,7 +1,7 @@
 // The labels of a model's items, ready for one form of output.
 //
-// Every label is taken from the dictionary and put into the form once, at construction; the
-// dictionary may go afterwards. Threads: any number of readers.
+// Every label is put into the form once, at construction; the map may go afterwards.
+// Threads: any number of readers.
 
 #ifndef CLI_ITEMLABELS_H_
 #define CLI_ITEMLABELS_H_
@@ -11,9 +11,7 @@
 #include <string_view>
 #include <unordered_map>
 
-namespace OrbScore {
-class ScoreDictionary;
-}
+#include "io/Model.h"
 
 namespace orbseq {
 
@@ -22,9 +20,7 @@ class ItemLabels {
   // The form: a function of the label's plain text.
   using Form = std::string (*)(std::string_view label);
 
-  // `dictionary` may be null: then no item has a label. Names that are no item numbers are left
-  // out.
-  ItemLabels(const OrbScore::ScoreDictionary* dictionary, Form form);
+  ItemLabels(const ItemLabelMap& labels, Form form);
 
   // The label in the form; for an item without one, the form of the empty text.
   const std::string& of(std::int32_t item) const;

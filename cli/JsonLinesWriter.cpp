@@ -27,8 +27,7 @@ void appendMember(std::string& out, std::string_view name, double value) {
 
 }  // namespace
 
-JsonLinesWriter::JsonLinesWriter(const OrbScore::ScoreDictionary* labels)
-    : labels_(labels, jsonString) {}
+JsonLinesWriter::JsonLinesWriter(const ItemLabelMap& labels) : labels_(labels, jsonString) {}
 
 void JsonLinesWriter::appendHeader(std::string&) const {}
 

@@ -15,7 +15,7 @@ namespace orbseq {
 
 class JsonLinesWriter final : public ResultWriter {
  public:
-  explicit JsonLinesWriter(const OrbScore::ScoreDictionary* labels);
+  explicit JsonLinesWriter(const ItemLabelMap& labels);
 
   void appendHeader(std::string& out) const override;
   void appendAnswers(std::string& out, const std::string& customer, Answers answers) override;

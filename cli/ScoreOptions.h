@@ -6,12 +6,12 @@
 #include <cstdint>
 #include <string>
 
-#include "host/DocumentLimits.h"
+#include "cli/ModelOptions.h"
 
 namespace orbseq {
 
 struct ScoreOptions {
-  std::string model;                   // path of the document
+  ModelOptions model;
   std::string input;                   // path of the histories; "-": standard input
   std::string inputFormat;             // csv or jsonl; empty: told by the input's name
   std::string returnType = "current";  // current or future
@@ -22,7 +22,6 @@ struct ScoreOptions {
   bool quiet = false;                  // no progress, no summary
   bool dryRun = false;                 // read everything, score nothing
   std::string module;                  // path of the plug-in; empty: beside the program
-  OrbScore::DocumentLimits limits;
 };
 
 }  // namespace orbseq

@@ -15,7 +15,7 @@ constexpr std::size_t kWidestLabel = 40;
 
 }  // namespace
 
-TableWriter::TableWriter(const OrbScore::ScoreDictionary* labels)
+TableWriter::TableWriter(const ItemLabelMap& labels)
     : labels_(labels, printable), itemWidth_(4), labelWidth_(0) {
   for (const auto& [item, label] : labels_.all()) {
     itemWidth_ = std::max(itemWidth_, std::to_string(item).size());

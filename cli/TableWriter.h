@@ -18,7 +18,7 @@ namespace orbseq {
 
 class TableWriter final : public ResultWriter {
  public:
-  explicit TableWriter(const OrbScore::ScoreDictionary* labels);
+  explicit TableWriter(const ItemLabelMap& labels);
 
   void appendHeader(std::string& out) const override;
   void appendAnswers(std::string& out, const std::string& customer, Answers answers) override;

@@ -4,7 +4,10 @@
 #include <string>
 
 #include "cli/Output.h"
+#include "cli/convert.h"
 #include "cli/exitStatus.h"
+#include "cli/inspect.h"
+#include "cli/rules.h"
 #include "cli/score.h"
 #include "io/process.h"
 
@@ -61,9 +64,19 @@ ExitStatus run(int argc, const char* const* argv) {
   program.footer(kFooter);
 
   ScoreOptions scoreOptions;
+  RulesOptions rulesOptions;
+  InspectOptions inspectOptions;
+  ConvertOptions convertOptions;
   const CLI::App* const score = addScoreCommand(program, scoreOptions);
+  const CLI::App* const rules = addRulesCommand(program, rulesOptions);
+  const CLI::App* const inspect = addInspectCommand(program, inspectOptions);
+  const CLI::App* const convert = addConvertCommand(program, convertOptions);
   if (!parse(program, argc, argv)) return ExitStatus::kDone;
-  return score->parsed() ? runScore(scoreOptions) : ExitStatus::kDone;
+  if (score->parsed()) return runScore(scoreOptions);
+  if (rules->parsed()) return runRules(rulesOptions);
+  if (inspect->parsed()) return runInspect(inspectOptions);
+  if (convert->parsed()) return runConvert(convertOptions);
+  return ExitStatus::kDone;
 }
 
 }  // namespace

@@ -3,8 +3,11 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <limits>
 #include <memory>
+#include <sstream>
 #include <string>
+#include <utility>
 
 #include "cli/CsvWriter.h"
 #include "cli/JsonLinesWriter.h"
@@ -16,6 +19,8 @@
 #include "host/PluginLoader.h"
 #include "host/SafeDocument.h"
 #include "io/HistoryReader.h"
+#include "io/ModelFile.h"
+#include "io/modelLabels.h"
 #include "io/process.h"
 
 namespace orbseq {
@@ -45,9 +50,7 @@ Exit status: 0 done, 1 wrong usage, 2 bad input data, 3 files, plug-in or memory
 130 interrupted. Nothing half written is left under the name given to --output.)help";
 
 void addInputOptions(CLI::App& command, ScoreOptions& options) {
-  command.add_option("-m,--model", options.model, "Lattice document or PMML document with one")
-      ->required()
-      ->type_name("FILE");
+  addModelOptions(command, options.model);
   command.add_option("-i,--input", options.input, "Customers' histories; - is standard input")
       ->required()
       ->type_name("FILE");
@@ -57,18 +60,6 @@ void addInputOptions(CLI::App& command, ScoreOptions& options) {
                   "is csv)")
       ->check(CLI::IsMember({"csv", "jsonl"}).description(""))
       ->type_name("FORMAT");
-  command
-      .add_option("--max-document-bytes", options.limits.bytes,
-                  "Largest model that is read, in bytes")
-      ->check(CLI::Range(std::size_t{1}, std::size_t{1} << 40U).description(""))
-      ->type_name("N")
-      ->capture_default_str();
-  command
-      .add_option("--max-elements", options.limits.elements,
-                  "Most XML elements of a model that is read")
-      ->check(CLI::Range(std::size_t{1}, std::size_t{1} << 40U).description(""))
-      ->type_name("N")
-      ->capture_default_str();
   command
       .add_option("--module", options.module,
                   std::string("Scoring plug-in (default: ") + kModuleFile + " beside the program)")
@@ -112,17 +103,39 @@ HistoryFormat formatOfInput(const ScoreOptions& options) {
                    " does not tell the format; give --input-format csv or jsonl");
 }
 
-std::shared_ptr<OrbScore::ScoreModel> loadModel(const ScoreOptions& options) {
-  const auto document = OrbScore::SafeDocument::Load(options.model, options.limits);
+// What scores, and how its items are called.
+struct ScoringModel {
+  std::shared_ptr<const OrbScore::ScoreModel> model;
+  ItemLabelMap labels;
+};
+
+// The plug-in takes documents: a model of another form becomes one, in memory.
+OrbScore::SafeDocument documentOf(const ModelOptions& options) {
+  const ModelForm form = formOfModel(options.model);
+  if (form == ModelForm::kDocument || form == ModelForm::kPmml)
+    return OrbScore::SafeDocument::Load(options.model, options.limits);
+  std::ostringstream document;
+  writeModel(document, readModel(options), ModelForm::kDocument);
+  OrbScore::DocumentLimits ours;  // our own text, of a model that was let in already
+  ours.bytes = std::numeric_limits<std::size_t>::max() / 2;
+  ours.elements = std::numeric_limits<std::size_t>::max() / 2;
+  return OrbScore::SafeDocument::Parse(std::move(document).str(), options.model, ours);
+}
+
+ScoringModel loadModel(const ScoreOptions& options) {
+  const OrbScore::SafeDocument document = documentOf(options.model);
   const std::string module =
       options.module.empty()
           ? OrbScore::PluginLoader::FindBeside(OrbScore::PluginLoader::ProgramFolder(), kModuleFile)
           : options.module;
-  return OrbScore::PluginLoader(module).LoadModel(document);
+  ScoringModel loaded;
+  loaded.model = OrbScore::PluginLoader(module).LoadModel(document);
+  loaded.labels = labelsOf(loaded.model->GetScoreDictionary());
+  addLabelsBeside(options.model.model, loaded.labels);
+  return loaded;
 }
 
-std::unique_ptr<ResultWriter> makeWriter(const ScoreOptions& options,
-                                         const OrbScore::ScoreDictionary* labels) {
+std::unique_ptr<ResultWriter> makeWriter(const ScoreOptions& options, const ItemLabelMap& labels) {
   std::string format = options.format;
   const bool forPeople = options.output == "-" && isTerminal(StandardStream::kOutput);
   if (format.empty()) format = forPeople ? "table" : "csv";
@@ -183,12 +196,12 @@ CLI::App* addScoreCommand(CLI::App& program, ScoreOptions& options) {
 
 ExitStatus runScore(const ScoreOptions& options) {
   HistoryReader reader(options.input, formatOfInput(options));
-  const auto model = loadModel(options);
-  Scorer scorer(model, options);
+  const ScoringModel loaded = loadModel(options);
+  Scorer scorer(loaded.model, options);
   if (options.dryRun) return runDry(reader, scorer, options);
 
   Output output(options.output);
-  const auto writer = makeWriter(options, model->GetScoreDictionary());
+  const auto writer = makeWriter(options, loaded.labels);
   writer->appendHeader(output.text());
   std::size_t answerCount = 0;
   const std::size_t customers =

@@ -1,4 +1,4 @@
-#include "scoring/DomPlace.h"
+#include "document/DomPlace.h"
 
 #include <string_view>
 
@@ -6,7 +6,7 @@
 #include "scoring/hostapi/QuErrorFormater.h"
 #include "scoring/hostapi/QuException.h"
 
-namespace OrbQuillon_830 {
+namespace orbseq {
 
 using OrbScore::BaseTranslator;
 using OrbScore::QuErrorFormater;
@@ -77,4 +77,4 @@ std::int64_t countSiblings(const OrbScore::DOMElement* first, const char16_t* na
   return count;
 }
 
-}  // namespace OrbQuillon_830
+}  // namespace orbseq

@@ -4,8 +4,8 @@
 // Places are made on the stack while a reader descends; each points to its parent's, which must
 // outlive it. They cost nothing until an error is told.
 
-#ifndef SCORING_DOMPLACE_H_
-#define SCORING_DOMPLACE_H_
+#ifndef DOCUMENT_DOMPLACE_H_
+#define DOCUMENT_DOMPLACE_H_
 
 #include <cstdint>
 #include <limits>
@@ -13,7 +13,7 @@
 
 #include "scoring/hostapi/DomTypes.h"
 
-namespace OrbQuillon_830 {
+namespace orbseq {
 
 class DomPlace {
  public:
@@ -51,6 +51,6 @@ class DomPlace {
 std::int64_t countSiblings(const OrbScore::DOMElement* first, const char16_t* name,
                            std::int64_t enough);
 
-}  // namespace OrbQuillon_830
+}  // namespace orbseq
 
-#endif  // SCORING_DOMPLACE_H_
+#endif  // DOCUMENT_DOMPLACE_H_

@@ -1,11 +1,11 @@
-#include "scoring/LatticeReader.h"
+#include "document/LatticeReader.h"
 
 #include <cstddef>
 #include <limits>
 #include <string>
 #include <utility>
 
-#include "scoring/DomPlace.h"
+#include "document/DomPlace.h"
 #include "scoring/hostapi/BaseTranslator.h"
 #include "scoring/hostapi/DictVar.h"
 #include "sequence/NTSequence.h"
@@ -13,7 +13,7 @@
 #include "sequence/SequenceCounter.h"
 #include "sequence/TimedItemSet.h"
 
-namespace OrbQuillon_830 {
+namespace orbseq {
 
 namespace {
 
@@ -244,9 +244,15 @@ void Reader::readAdjacency(const DomPlace& list, const NTSequence& key,
 
 }  // namespace
 
+const DOMElement* latticeIn(const DOMElement* modelElement) {
+  const DOMElement* const lattice = BaseTranslator::GetElt(
+      BaseTranslator::GetElementsByTagName(modelElement, u"SeqAssociationLattice"), 0);
+  return lattice != nullptr ? lattice : modelElement;
+}
+
 LatticeTables readLattice(const DOMElement* lattice,
                           const OrbScore::QuillonTranscoder& transcoder) {
   return Reader(lattice, transcoder).read();
 }
 
-}  // namespace OrbQuillon_830
+}  // namespace orbseq

@@ -19,8 +19,8 @@
 // and is skipped. Of equal sequences in one level the first stands. A sequence whose number of
 // items is not its level is stored where the level says and never found.
 
-#ifndef SCORING_LATTICEREADER_H_
-#define SCORING_LATTICEREADER_H_
+#ifndef DOCUMENT_LATTICEREADER_H_
+#define DOCUMENT_LATTICEREADER_H_
 
 #include <cstdint>
 #include <memory>
@@ -31,7 +31,7 @@
 #include "scoring/hostapi/QuillonTranscoder.h"
 #include "sequence/HashtableSQPair.h"
 
-namespace OrbQuillon_830 {
+namespace orbseq {
 
 struct LatticeTables {
   std::int32_t numberOfSequences = 0;  // as announced
@@ -42,10 +42,14 @@ struct LatticeTables {
   std::unique_ptr<OrbScore::BaseDictionary> labels;
 };
 
+// The lattice's element below a model element: the first SeqAssociationLattice, or the model element
+// itself where there is none. Requires a model element.
+const OrbScore::DOMElement* latticeIn(const OrbScore::DOMElement* modelElement);
+
 // Throws QuException that names the place and the allowed range.
 LatticeTables readLattice(const OrbScore::DOMElement* lattice,
                           const OrbScore::QuillonTranscoder& transcoder);
 
-}  // namespace OrbQuillon_830
+}  // namespace orbseq
 
-#endif  // SCORING_LATTICEREADER_H_
+#endif  // DOCUMENT_LATTICEREADER_H_

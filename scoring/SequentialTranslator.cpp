@@ -4,8 +4,8 @@
 #include <memory>
 #include <utility>
 
-#include "scoring/DomPlace.h"
-#include "scoring/LatticeReader.h"
+#include "document/DomPlace.h"
+#include "document/LatticeReader.h"
 #include "scoring/SequentialAssocModel.h"
 #include "scoring/hostapi/QuException.h"
 #include "scoring/hostapi/QuillonTranscoder.h"
@@ -16,18 +16,13 @@ namespace OrbQuillon_830 {
 
 namespace {
 
-using OrbScore::BaseTranslator;
+using orbseq::DomPlace;
+using orbseq::LatticeTables;
 using OrbScore::DOMElement;
 using SEQUENCE_NAMESPACE_800::HashtableSQPair;
 
 constexpr int kTraceLevel = 1;
 constexpr const char* kParse = "OrbQuillon_830::SequentialTranslator::ParseFromTree";
-
-const DOMElement* latticeIn(const DOMElement* modelElement) {
-  const DOMElement* const lattice = BaseTranslator::GetElt(
-      BaseTranslator::GetElementsByTagName(modelElement, u"SeqAssociationLattice"), 0);
-  return lattice != nullptr ? lattice : modelElement;
-}
 
 // Hands the tables over to a new model, all but the highest.
 // Deliberate: look-ups end below the highest level, so its table has no owner and goes here.
@@ -55,7 +50,7 @@ OrbScore::ScoreModel* SequentialTranslator::ParseFromTree(DOMElement* modelEleme
   CreateTranscoder(encoding);
   const DomPlace document("document element", GetRootElt(modelElement));
   const OrbScore::VersionInfo version(GetTranscoder().transcodeTo(document.text(u"version")));
-  LatticeTables tables = readLattice(latticeIn(modelElement), GetTranscoder());
+  LatticeTables tables = orbseq::readLattice(orbseq::latticeIn(modelElement), GetTranscoder());
 
   HashtableSQPair** array = nullptr;
   std::unique_ptr<SequentialAssocModel> model = makeModel(tables, array);

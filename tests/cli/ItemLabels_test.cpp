@@ -1,4 +1,5 @@
 #include "cli/ItemLabels.h"
+#include "io/modelLabels.h"
 
 #include <gtest/gtest.h>
 
@@ -25,7 +26,7 @@ TEST(ItemLabels, ALabelIsFoundByItsItemInItsForm) {
   add(dictionary, "7", "tea");
   add(dictionary, "-2147483648", "lowest");
 
-  const ItemLabels labels(&dictionary, bracketed);
+  const ItemLabels labels(orbseq::labelsOf(&dictionary), bracketed);
 
   EXPECT_EQ(labels.of(7), "[tea]");
   EXPECT_EQ(labels.of(-2147483647 - 1), "[lowest]");
@@ -35,14 +36,14 @@ TEST(ItemLabels, AnItemWithoutLabelHasTheFormOfTheEmptyText) {
   OrbScore::BaseDictionary dictionary;
   add(dictionary, "7", "");
 
-  const ItemLabels labels(&dictionary, bracketed);
+  const ItemLabels labels(orbseq::labelsOf(&dictionary), bracketed);
 
   EXPECT_EQ(labels.of(7), "[]");
   EXPECT_EQ(labels.of(8), "[]");
 }
 
 TEST(ItemLabels, AModelWithoutDictionaryHasNoLabels) {
-  const ItemLabels labels(nullptr, bracketed);
+  const ItemLabels labels(orbseq::labelsOf(nullptr), bracketed);
 
   EXPECT_EQ(labels.of(7), "[]");
 }
@@ -54,7 +55,7 @@ TEST(ItemLabels, NamesThatAreNoItemNumbersAreLeftOut) {
   add(dictionary, "2147483648", "too large");
   add(dictionary, "", "nothing");
 
-  const ItemLabels labels(&dictionary, bracketed);
+  const ItemLabels labels(orbseq::labelsOf(&dictionary), bracketed);
 
   EXPECT_EQ(labels.of(7), "[]");
   EXPECT_TRUE(labels.all().empty());

@@ -9,6 +9,7 @@
 #include "cli/CsvWriter.h"
 #include "cli/JsonLinesWriter.h"
 #include "cli/TableWriter.h"
+#include "io/modelLabels.h"
 #include "scoring/hostapi/BaseDictionary.h"
 
 namespace {
@@ -36,7 +37,7 @@ SeqConsequentDescriptor answer(std::int32_t item, double confidence, double supp
 template <class Writer>
 std::string written(const OrbScore::ScoreDictionary* labels, const std::string& customer,
                     const std::vector<SeqConsequentDescriptor>& answers) {
-  Writer writer(labels);
+  Writer writer(orbseq::labelsOf(labels));
   std::string out;
   writer.appendHeader(out);
   writer.appendAnswers(out, customer, answers);

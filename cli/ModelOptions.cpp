@@ -1,0 +1,31 @@
+#include "cli/ModelOptions.h"
+
+#include <CLI/CLI.hpp>
+
+#include "io/ModelFile.h"
+
+namespace orbseq {
+
+void addModelOptions(CLI::App& command, ModelOptions& options) {
+  command
+      .add_option("-m,--model", options.model,
+                  "Model in any form: lattice document, PMML document with one, binary, object-XML")
+      ->required()
+      ->type_name("FILE");
+  command
+      .add_option("--max-document-bytes", options.limits.bytes,
+                  "Largest XML document that is read, in bytes")
+      ->check(CLI::Range(std::size_t{1}, std::size_t{1} << 40U).description(""))
+      ->type_name("N")
+      ->capture_default_str();
+  command
+      .add_option("--max-elements", options.limits.elements,
+                  "Most XML elements of a document that is read")
+      ->check(CLI::Range(std::size_t{1}, std::size_t{1} << 40U).description(""))
+      ->type_name("N")
+      ->capture_default_str();
+}
+
+Model readModel(const ModelOptions& options) { return readModel(options.model, options.limits); }
+
+}  // namespace orbseq

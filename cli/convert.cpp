@@ -1,0 +1,98 @@
+#include "cli/convert.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <string_view>
+
+#include "cli/ModelSummary.h"
+#include "cli/Output.h"
+#include "cli/messages.h"
+#include "io/ModelFile.h"
+#include "io/SinkStream.h"
+#include "lattice/LatticeDocument.h"
+
+namespace orbseq {
+
+namespace {
+
+const char* const kFooter =
+    R"help(Forms:
+  document  lattice document (XML), which a host hands to the scoring module; .xml
+  pmml      PMML document: every rule, and the lattice for the scoring module; .pmml
+  binary    compact and fast to read; .bin
+  objxml    objects in lines of XML; .objxml
+Binary and objxml have no room for labels: they go into FILE.labels.csv beside the file, and are
+read from there.
+
+A document is closed by one more, empty level, since the scoring module leaves the highest level of
+a document out; --open writes it without that level and without labels.
+
+Examples:
+  orbseq convert --model lattice.xml --output lattice.bin
+  orbseq convert --model lattice.bin --output shop.pmml
+  orbseq convert --model lattice.bin --to document --output - | xmllint --format -
+
+Exit status: 0 done, 1 wrong usage, 2 bad model, 3 files or memory, 4 a bug, 130 interrupted.
+The output is replaced as a whole: whatever happens, its name leads to the old file or to the new.)help";
+
+ModelForm formOf(const ConvertOptions& options) {
+  const auto form = options.to.empty() ? modelFormOfFile(options.output) : modelFormOf(options.to);
+  if (form) return *form;
+  throw UsageError("--output: the name " + options.output +
+                   " does not tell the form; give --to document, pmml, binary or objxml");
+}
+
+// Onto standard output, or open, which no file of ours is for scoring.
+void writeTo(const ConvertOptions& options, const Model& model, ModelForm form) {
+  Output output(options.output);
+  SinkStream stream([&output](std::string_view bytes) {
+    output.text().append(bytes);
+    output.flushIfFull();
+  });
+  if (options.open)
+    writeLatticeDocument(stream, *model.lattice, {});
+  else
+    writeModel(stream, model, form);
+  stream.finish();
+  output.finish();
+}
+
+}  // namespace
+
+CLI::App* addConvertCommand(CLI::App& program, ConvertOptions& options) {
+  CLI::App* command = program.add_subcommand("convert", "Turn a model from one form into another");
+  addModelOptions(*command, options.model);
+  command
+      ->add_option("-o,--output", options.output,
+                   "Where the model goes; the file is replaced as a whole; - is standard output")
+      ->required()
+      ->type_name("FILE");
+  command
+      ->add_option("--to", options.to,
+                   "document, pmml, binary or objxml (default: told by the name of the output)")
+      ->check(CLI::IsMember({"document", "pmml", "binary", "objxml"}).description(""))
+      ->type_name("FORM");
+  command->add_flag("--open", options.open,
+                    "With document: without the closing level and the labels");
+  command->add_flag("-q,--quiet", options.quiet, "No summary");
+  command->footer(kFooter);
+  return command;
+}
+
+ExitStatus runConvert(const ConvertOptions& options) {
+  const ModelForm form = formOf(options);
+  if (options.open && form != ModelForm::kDocument) throw UsageError("--open is for --to document");
+  const Model model = readModel(options.model);
+  if (options.open || options.output == "-")
+    writeTo(options, model, form);
+  else
+    saveModel(options.output, model, form);
+  if (!options.quiet)
+    printMessage(fmt::format("{} sequences, {} labels written as {}",
+                             summaryOf(*model.lattice).sequences, model.labels.size(),
+                             nameOf(form)));
+  return ExitStatus::kDone;
+}
+
+}  // namespace orbseq

@@ -1,0 +1,245 @@
+#include "io/ModelFile.h"
+
+#include <charconv>
+#include <cstring>
+#include <filesystem>
+#include <new>
+#include <ostream>
+#include <stdexcept>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+#include "common/messages.h"
+#include "document/LatticeReader.h"
+#include "host/SafeDocument.h"
+#include "io/AtomicFile.h"
+#include "io/IoError.h"
+#include "io/SinkStream.h"
+#include "io/SourceStream.h"
+#include "io/modelLabels.h"
+#include "lattice/LatticeDocument.h"
+#include "scoring/hostapi/BaseTranslator.h"
+#include "scoring/hostapi/QuErrorFormater.h"
+#include "scoring/hostapi/QuException.h"
+#include "scoring/hostapi/QuillonTranscoder.h"
+#include "sequence/HashtableSQPair.h"
+#include "sequence/SeqExceptions.h"
+#include "xml/XMLDocType.h"
+#include "xml/XMLObj.h"
+
+namespace orbseq {
+
+namespace {
+
+using OrbScore::BaseTranslator;
+using OrbScore::SafeDocument;
+using SEQUENCE_NAMESPACE_800::HashtableSQPair;
+using SEQUENCE_NAMESPACE_800::SeqExceptions;
+
+const char* const kObjectXmlRoot = "OrbXMLRoot";
+const char* const kCopyright = "Copyright (c) OrbSequence";
+
+// Object-XML says what it is in its document type.
+ModelForm formOfHead(std::string_view head) {
+  if (head.starts_with("SD")) return ModelForm::kBinary;
+  const std::size_t type = head.find("<!DOCTYPE");
+  if (type != std::string_view::npos && head.substr(type, 64).find(kObjectXmlRoot) < 32)
+    return ModelForm::kObjectXml;
+  return ModelForm::kDocument;  // of whatever kind
+}
+
+// --- Documents -----------------------------------------------------------------------------------
+
+// The minimum support that the statistics tell, or 0.
+double minimumSupportOf(const OrbScore::DOMElement* lattice) {
+  const OrbScore::DOMElement* const statistics =
+      BaseTranslator::GetElt(BaseTranslator::GetElementsByTagName(lattice, u"SeqInputStats"), 0);
+  const OrbScore::DomChar* const text = BaseTranslator::GetAttribute(statistics, u"minimumSupport");
+  if (text == nullptr) return 0.0;
+  const std::string digits = OrbScore::QuillonTranscoder("UTF-8").transcodeTo(text);
+  double value = 0.0;
+  const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+  return parsed.ec == std::errc() && value >= 0.0 && value <= 1.0 ? value : 0.0;
+}
+
+// All levels up to the highest that holds a sequence, and the empty one above it where there is
+// one.
+std::unique_ptr<Lattice> latticeOf(LatticeTables& tables) {
+  auto& levels = tables.levels;
+  while (levels.size() > 1 && levels.back()->getSize() == 0 &&
+         levels[levels.size() - 2]->getSize() == 0)
+    levels.pop_back();
+  auto array = std::make_unique<HashtableSQPair*[]>(levels.size());
+  for (std::size_t i = 0; i < levels.size(); ++i) array[i] = levels[i].get();
+  auto lattice = std::make_unique<Lattice>(array.get(), static_cast<int>(levels.size()));
+  static_cast<void>(array.release());
+  for (auto& table : levels) static_cast<void>(table.release());
+  return lattice;
+}
+
+Model modelOf(const SafeDocument& document) {
+  try {
+    const OrbScore::DOMElement* const element = latticeIn(document.GetModelElement());
+    LatticeTables tables = readLattice(element, OrbScore::QuillonTranscoder("UTF-8"));
+    Model model;
+    model.labels = labelsOf(tables.labels.get());
+    model.lattice = latticeOf(tables);
+    model.lattice->setReductionThreshold(minimumSupportOf(element));
+    return model;
+  } catch (const OrbScore::QuException& error) {
+    const std::string& name = document.GetName();
+    const std::string text = error.what();
+    if (text.starts_with(name + ':')) throw;
+    throw OrbScore::QuException(OrbScore::QuErrorFormater::Format(name, {}, text));
+  }
+}
+
+SafeDocument documentIn(const std::string& path, SourceStream& source,
+                        const OrbScore::DocumentLimits& limits) {
+  std::error_code ignored;
+  if (path != "-" && std::filesystem::is_regular_file(path, ignored))
+    return SafeDocument::Load(path, limits);
+  std::string bytes;
+  std::vector<char> block(std::size_t{1} << 16U);
+  while (bytes.size() <= limits.bytes) {
+    source.read(block.data(), static_cast<std::streamsize>(block.size()));
+    if (source.gcount() == 0) break;
+    bytes.append(block.data(), static_cast<std::size_t>(source.gcount()));
+  }
+  source.throwIfUnreadable();
+  return SafeDocument::Parse(bytes, source.name(), limits);
+}
+
+// --- Streams -------------------------------------------------------------------------------------
+
+std::unique_ptr<Lattice> readBinary(SourceStream& source) {
+  auto lattice = std::make_unique<Lattice>();
+  try {
+    lattice->readObject(source);
+  } catch (SeqExceptions::IOException* error) {
+    const std::unique_ptr<SeqExceptions::IOException> owned(error);
+    source.throwIfUnreadable();
+    throw InputError(source.name(), 0, owned->what());
+  }
+  if (source.peek() != std::char_traits<char>::eof())
+    throw InputError(
+        source.name(), 0,
+        "offset " + std::to_string(source.offset()) + ": bytes after the end of the lattice");
+  return lattice;
+}
+
+[[noreturn]] void refuseObjectXml(const SourceStream& source, const std::string& detail) {
+  source.throwIfUnreadable();
+  throw InputError(source.name(), source.line(), detail);
+}
+
+std::unique_ptr<Lattice> readObjectXml(SourceStream& source) {
+  auto lattice = std::make_unique<Lattice>();
+  std::uint64_t lines = 0;
+  try {
+    if (!OrbXML_830::ParseStartXML(source))
+      refuseObjectXml(source, "no stream of objects in XML begins here");
+    lines = lattice->readObjectXML(source);
+  } catch (SeqExceptions::IOException* error) {
+    const std::unique_ptr<SeqExceptions::IOException> owned(error);
+    refuseObjectXml(source, owned->what());
+  }
+  if (lines == 0) refuseObjectXml(source, "before this line the object is not what it should be");
+  std::string rest;
+  std::getline(source, rest);
+  if (!rest.starts_with(std::string("</") + kObjectXmlRoot + ">") ||
+      source.peek() != std::char_traits<char>::eof())
+    refuseObjectXml(source, "the stream should end after the lattice");
+  return lattice;
+}
+
+void writeObjectXml(std::ostream& os, const Lattice& lattice) {
+  const std::unique_ptr<const OrbXML_830::XMLDocType> type(
+      OrbXML_830::XMLDocType::Create(kObjectXmlRoot, "savexml.dtd", 0));
+  OrbXML_830::ExportFormat format;
+  type->ToStream(os, format, false);
+  OrbXML_830::StartRoot(os, kCopyright);
+  lattice.writeObjectXML(os);
+  OrbXML_830::EndRoot(os);
+}
+
+void throwIfError(const OrbCommon_830::OrbStatus& status) {
+  if (status.IsError())
+    throw std::runtime_error("the rules came with the error status " +
+                             std::to_string(status.GetErrorCode()));
+}
+
+bool hasRoomForLabels(ModelForm form) {
+  return form == ModelForm::kDocument || form == ModelForm::kPmml;
+}
+
+bool isReplaceable(const std::string& path) {
+  std::error_code ignored;
+  const auto status = std::filesystem::status(path, ignored);
+  return !std::filesystem::exists(status) || std::filesystem::is_regular_file(status);
+}
+
+}  // namespace
+
+ModelForm formOfModel(const std::string& path) { return formOfHead(SourceStream(path).head()); }
+
+Model readModel(const std::string& path, const OrbScore::DocumentLimits& limits) {
+  SourceStream source(path);
+  silence(source);
+  const ModelForm form = formOfHead(source.head());
+  source.throwIfUnreadable();
+  Model model;
+  try {
+    if (form == ModelForm::kBinary)
+      model.lattice = readBinary(source);
+    else if (form == ModelForm::kObjectXml)
+      model.lattice = readObjectXml(source);
+    else
+      model = modelOf(documentIn(path, source, limits));
+  } catch (const SeqExceptions::DictionaryFailure&) {
+    throw std::bad_alloc();
+  }
+  addLabelsBeside(path, model.labels);
+  return model;
+}
+
+void writeModel(std::ostream& os, const Model& model, ModelForm form) {
+  switch (form) {
+    case ModelForm::kDocument:
+      writeLatticeDocument(os, *model.lattice, {.closed = true, .labels = &model.labels});
+      break;
+    case ModelForm::kPmml:
+      throwIfError(writePmml(os, *model.lattice, {.labels = &model.labels}));
+      break;
+    case ModelForm::kBinary:
+      model.lattice->writeObject(os);
+      break;
+    case ModelForm::kObjectXml:
+      writeObjectXml(os, *model.lattice);
+      break;
+  }
+}
+
+void saveModel(const std::string& path, const Model& model, ModelForm form) {
+  AtomicFile file(path);
+  SinkStream stream([&file](std::string_view bytes) { file.write(bytes); });
+  writeModel(stream, model, form);
+  stream.finish();
+  if (hasRoomForLabels(form) || !isReplaceable(path)) return file.commit();
+
+  const std::string labelPath = labelFileOf(path);
+  if (model.labels.empty()) {
+    file.commit();
+    std::error_code error;
+    std::filesystem::remove(labelPath, error);
+    if (error) throw FileError(labelPath, "remove", error.value());
+    return;
+  }
+  AtomicFile labels(labelPath);
+  writeLabels(labels, model.labels);
+  file.commit();
+  labels.commit();
+}
+
+}  // namespace orbseq

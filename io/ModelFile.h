@@ -1,0 +1,46 @@
+// Models in files, in every form.
+//
+// Reading. The form is told by the content. A lattice document, or the lattice in a PMML document,
+// is read whole, its highest level included; what the document says of the minimum support becomes
+// the lattice's reduction threshold. Labels are the document's own and those of the file beside the
+// model (io/modelLabels.h).
+//
+// Writing. Documents are closed by one more, empty level, so that the scoring module, which hides
+// the highest level, answers from all that is stored, and carry the labels. For the other forms the
+// labels go into the file beside the model, which is removed where there are none. Every file is
+// replaced as a whole (io/AtomicFile.h); model and labels are two files, and a crash between the
+// two can leave a new model with old labels.
+//
+// Errors: InputError when the content is bad, naming the place; QuException for documents, naming
+// file, line and column; FileError and OrbScore::EnvironmentError when files cannot be read or
+// written; std::bad_alloc.
+// Threads: any number, each with its own model.
+
+#ifndef IO_MODELFILE_H_
+#define IO_MODELFILE_H_
+
+#include <iosfwd>
+#include <string>
+
+#include "host/DocumentLimits.h"
+#include "io/Model.h"
+#include "io/ModelForm.h"
+
+namespace orbseq {
+
+// The form of the stored model. "-" is standard input, which is read from.
+ModelForm formOfModel(const std::string& path);
+
+// `path` "-" is standard input. The limits are those of documents.
+Model readModel(const std::string& path, const OrbScore::DocumentLimits& limits = {});
+
+// The model in that form, without the labels where the form has no room for them. The caller
+// flushes and checks the stream.
+void writeModel(std::ostream& os, const Model& model, ModelForm form);
+
+// Replaces the file, and the file of labels beside it.
+void saveModel(const std::string& path, const Model& model, ModelForm form);
+
+}  // namespace orbseq
+
+#endif  // IO_MODELFILE_H_

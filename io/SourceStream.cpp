@@ -1,0 +1,88 @@
+#include "io/SourceStream.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <locale>
+#include <streambuf>
+
+#include "io/IoError.h"
+
+namespace orbseq {
+
+namespace {
+
+constexpr std::size_t kBlockBytes = std::size_t{1} << 16U;
+
+}  // namespace
+
+class SourceStream::Buffer final : public std::streambuf {
+ public:
+  explicit Buffer(std::FILE* file) noexcept : file_(file) {}
+  ~Buffer() override {
+    if (file_ != stdin) std::fclose(file_);
+  }
+  Buffer(const Buffer&) = delete;
+  Buffer& operator=(const Buffer&) = delete;
+
+  std::string_view block() {
+    if (gptr() == egptr()) underflow();
+    return {gptr(), static_cast<std::size_t>(egptr() - gptr())};
+  }
+  std::uint64_t offset() const noexcept {
+    return offset_ + static_cast<std::uint64_t>(gptr() - eback());
+  }
+  std::size_t line() const noexcept { return lines_ + linesTo(gptr()) + 1; }
+  int error() const noexcept { return error_; }
+
+ protected:
+  int_type underflow() override {
+    lines_ += linesTo(egptr());
+    offset_ += static_cast<std::uint64_t>(egptr() - eback());
+    const std::size_t got = std::fread(block_.data(), 1, block_.size(), file_);
+    if (got == 0 && std::ferror(file_) != 0) error_ = errno;
+    setg(block_.data(), block_.data(), block_.data() + got);
+    return got == 0 ? traits_type::eof() : traits_type::to_int_type(block_.front());
+  }
+
+ private:
+  std::size_t linesTo(const char* end) const noexcept {
+    return static_cast<std::size_t>(std::count(static_cast<const char*>(eback()), end, '\n'));
+  }
+
+  std::FILE* file_;
+  std::array<char, kBlockBytes> block_;
+  std::uint64_t offset_ = 0;  // of the block's first byte
+  std::size_t lines_ = 0;     // line feeds before the block
+  int error_ = 0;
+};
+
+SourceStream::SourceStream(const std::string& path)
+    : std::istream(nullptr), name_(path == "-" ? "standard input" : path) {
+  std::FILE* file = stdin;
+  if (path != "-") {
+    std::error_code ignored;
+    if (std::filesystem::is_directory(path, ignored)) throw FileError(name_, "read", EISDIR);
+    file = std::fopen(path.c_str(), "rbe");
+    if (file == nullptr) throw FileError(name_, "open", errno);
+  }
+  buffer_ = std::make_unique<Buffer>(file);
+  imbue(std::locale::classic());
+  rdbuf(buffer_.get());
+}
+
+SourceStream::~SourceStream() = default;
+
+std::string_view SourceStream::head() { return buffer_->block(); }
+
+void SourceStream::throwIfUnreadable() const {
+  if (buffer_->error() != 0) throw FileError(name_, "read", buffer_->error());
+}
+
+std::uint64_t SourceStream::offset() const noexcept { return buffer_->offset(); }
+
+std::size_t SourceStream::line() const noexcept { return buffer_->line(); }
+
+}  // namespace orbseq
