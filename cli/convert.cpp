@@ -90,8 +90,8 @@ ExitStatus runConvert(const ConvertOptions& options) {
     saveModel(options.output, model, form);
   if (!options.quiet)
     printMessage(fmt::format("{} sequences, {} labels written as {}",
-                             summaryOf(*model.lattice).sequences, model.labels.size(),
-                             nameOf(form)));
+                             summaryOf(*model.lattice).sequences,
+                             options.open ? 0 : model.labels.size(), nameOf(form)));
   return ExitStatus::kDone;
 }
 

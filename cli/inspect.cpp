@@ -167,6 +167,7 @@ CLI::App* addInspectCommand(CLI::App& program, InspectOptions& options) {
                  "With --sequences: labels instead of the items' numbers")
       ->needs(sequences);
   command->add_option("--items", options.items, "Items listed, the most frequent first")
+      ->check(CLI::Range(std::size_t{0}, std::size_t{1} << 40U).description(""))
       ->type_name("N")
       ->capture_default_str();
   command

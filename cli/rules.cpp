@@ -4,6 +4,8 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cmath>
+#include <cstdlib>
 #include <stdexcept>
 #include <string_view>
 
@@ -46,10 +48,17 @@ Examples:
 
 Exit status: 0 done, 1 wrong usage, 2 bad model, 3 files or memory, 4 a bug, 130 interrupted.)help";
 
+// A range lets a NaN pass, which no comparison puts outside.
+std::string refusalOfNan(const std::string& text) {
+  const bool isNan = std::isnan(std::strtod(text.c_str(), nullptr));
+  return isNan ? "Value " + text + " not in range 0 to 1" : std::string();
+}
+
 void addBounds(CLI::App& command, RulesOptions& options) {
   const auto bound = [&command](const char* name, double& value, const char* text) {
     command.add_option(name, value, text)
         ->check(CLI::Range(0.0, 1.0).description(""))
+        ->check(&refusalOfNan)
         ->type_name("X")
         ->capture_default_str();
   };
@@ -58,7 +67,10 @@ void addBounds(CLI::App& command, RulesOptions& options) {
   bound("--min-confidence", options.minConfidence, "Least confidence, 0 to 1");
   bound("--max-confidence", options.maxConfidence, "Largest confidence, 0 to 1");
   bound("--min-cause", options.minCause, "Least cause, 0 to 1");
-  bound("--max-cause", options.maxCause, "Largest cause, 0 to 1");
+  command.add_option("--max-cause", options.maxCause, "Largest cause (default: any)")
+      ->check(CLI::NonNegativeNumber.description(""))
+      ->check(&refusalOfNan)
+      ->type_name("X");
 }
 
 void addSelection(CLI::App& command, RulesOptions& options) {
@@ -69,6 +81,7 @@ void addSelection(CLI::App& command, RulesOptions& options) {
   command.add_flag("--maximal", options.maximal,
                    "Only rules of sequences that no stored sequence extends");
   command.add_option("--top", options.top, "Most rules, after sorting; 0: all")
+      ->check(CLI::Range(std::size_t{0}, std::size_t{1} << 40U).description(""))
       ->type_name("N")
       ->capture_default_str();
   command.add_option("--with", options.with, "Only rules that hold the item; may be repeated")
@@ -135,9 +148,12 @@ RatedRule rated(const Lattice& lattice, const SeqAssociationRule& rule) {
   return {&rule, countOf(lattice, whole), rule.GetConfidence() / share};
 }
 
-void writePmmlRules(const RulesOptions& options, const Model& model) {
+void checkPmml(const RulesOptions& options) {
   if (options.top != 0 || !options.with.empty() || !options.consequent.empty())
     throw UsageError("--top, --with and --consequent do not go with --format pmml");
+}
+
+void writePmmlRules(const RulesOptions& options, const Model& model) {
   Output output(options.output);
   SinkStream stream([&output](std::string_view bytes) {
     output.text().append(bytes);
@@ -153,6 +169,7 @@ void writePmmlRules(const RulesOptions& options, const Model& model) {
   pmml.sortBy = sortCode(options.sort);
   pmml.maximalOnly = options.maximal;
   pmml.lattice = false;
+  pmml.labels = &model.labels;
   const auto status = writePmml(stream, *model.lattice, pmml);
   stream.finish();
   throwIfError(status);
@@ -189,8 +206,9 @@ CLI::App* addRulesCommand(CLI::App& program, RulesOptions& options) {
 }
 
 ExitStatus runRules(const RulesOptions& options) {
-  const Model model = readModel(options.model);
   const std::string format = formatOf(options);
+  if (format == "pmml") checkPmml(options);
+  const Model model = readModel(options.model);
   if (format == "pmml") {
     writePmmlRules(options, model);
     return ExitStatus::kDone;

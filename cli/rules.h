@@ -4,6 +4,7 @@
 #define CLI_RULES_H_
 
 #include <cstddef>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -24,7 +25,7 @@ struct RulesOptions {
   double minConfidence = 0.0;
   double maxConfidence = 1.0;
   double minCause = 0.0;
-  double maxCause = 1.0;
+  double maxCause = std::numeric_limits<double>::max();
   std::string sort = "confidence";      // support, confidence, cause or none
   bool maximal = false;                 // only sequences that extend to nothing
   std::size_t top = 0;                  // most rules, after sorting; 0: all

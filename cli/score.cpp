@@ -3,9 +3,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <limits>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <utility>
 
@@ -109,21 +107,8 @@ struct ScoringModel {
   ItemLabelMap labels;
 };
 
-// The plug-in takes documents: a model of another form becomes one, in memory.
-OrbScore::SafeDocument documentOf(const ModelOptions& options) {
-  const ModelForm form = formOfModel(options.model);
-  if (form == ModelForm::kDocument || form == ModelForm::kPmml)
-    return OrbScore::SafeDocument::Load(options.model, options.limits);
-  std::ostringstream document;
-  writeModel(document, readModel(options), ModelForm::kDocument);
-  OrbScore::DocumentLimits ours;  // our own text, of a model that was let in already
-  ours.bytes = std::numeric_limits<std::size_t>::max() / 2;
-  ours.elements = std::numeric_limits<std::size_t>::max() / 2;
-  return OrbScore::SafeDocument::Parse(std::move(document).str(), options.model, ours);
-}
-
 ScoringModel loadModel(const ScoreOptions& options) {
-  const OrbScore::SafeDocument document = documentOf(options.model);
+  const OrbScore::SafeDocument document = readDocument(options.model.model, options.model.limits);
   const std::string module =
       options.module.empty()
           ? OrbScore::PluginLoader::FindBeside(OrbScore::PluginLoader::ProgramFolder(), kModuleFile)
@@ -195,6 +180,8 @@ CLI::App* addScoreCommand(CLI::App& program, ScoreOptions& options) {
 }
 
 ExitStatus runScore(const ScoreOptions& options) {
+  if (options.model.model == "-" && options.input == "-")
+    throw UsageError("--model and --input cannot both be standard input");
   HistoryReader reader(options.input, formatOfInput(options));
   const ScoringModel loaded = loadModel(options);
   Scorer scorer(loaded.model, options);

@@ -1,6 +1,7 @@
 #include "cli/sequenceText.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "cli/displayText.h"
 #include "cli/numberText.h"
@@ -14,8 +15,14 @@ namespace {
 using SEQUENCE_NAMESPACE_800::Sequence;
 using SEQUENCE_NAMESPACE_800::TimedItemSet;
 
+bool isNumber(const std::string& text) {
+  return text.find_first_not_of("0123456789") == std::string::npos;
+}
+
+// Also what could be taken for a number or a mark of the form.
 bool wantsQuotes(const std::string& text) {
-  return text.empty() || std::any_of(text.begin(), text.end(), [](char c) {
+  return text.empty() || isNumber(text) || std::strchr("-#=", text.front()) != nullptr ||
+         std::any_of(text.begin(), text.end(), [](char c) {
            return static_cast<unsigned char>(c) <= ' ' || c == '"' || c == '\x7F';
          });
 }

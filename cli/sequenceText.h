@@ -2,8 +2,9 @@
 //
 // The common form has the items of a set separated by blanks and -1 behind each set: "1 2 -1 3 -1".
 // A part of a rule has -1 between its sets alone: "1 2 -1 3". With labels, an item's label stands
-// for its number, in double quotes (a quote doubled) where it is empty or holds a blank, a quote or
-// a control character; an item without a label keeps its number.
+// for its number, in double quotes (a quote doubled) where it is empty or a number, begins with -,
+// # or =, or holds a blank, a quote or a control character; an item without a label keeps its
+// number.
 
 #ifndef CLI_SEQUENCETEXT_H_
 #define CLI_SEQUENCETEXT_H_

@@ -3,11 +3,14 @@
 #include <charconv>
 #include <cstring>
 #include <filesystem>
+#include <limits>
 #include <new>
 #include <ostream>
+#include <sstream>
 #include <stdexcept>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "common/messages.h"
@@ -148,10 +151,35 @@ std::unique_ptr<Lattice> readObjectXml(SourceStream& source) {
   if (lines == 0) refuseObjectXml(source, "before this line the object is not what it should be");
   std::string rest;
   std::getline(source, rest);
-  if (!rest.starts_with(std::string("</") + kObjectXmlRoot + ">") ||
+  rest.resize(rest.find_last_not_of(" \t\r") + 1);
+  if (rest != std::string("</") + kObjectXmlRoot + ">" ||
       source.peek() != std::char_traits<char>::eof())
     refuseObjectXml(source, "the stream should end after the lattice");
   return lattice;
+}
+
+ModelForm formOf(SourceStream& source) {
+  silence(source);
+  const ModelForm form = formOfHead(source.head());
+  source.throwIfUnreadable();
+  return form;
+}
+
+Model modelIn(const std::string& path, SourceStream& source, ModelForm form,
+              const OrbScore::DocumentLimits& limits) {
+  Model model;
+  try {
+    if (form == ModelForm::kBinary)
+      model.lattice = readBinary(source);
+    else if (form == ModelForm::kObjectXml)
+      model.lattice = readObjectXml(source);
+    else
+      model = modelOf(documentIn(path, source, limits));
+  } catch (const SeqExceptions::DictionaryFailure&) {
+    throw std::bad_alloc();
+  }
+  addLabelsBeside(path, model.labels);
+  return model;
 }
 
 void writeObjectXml(std::ostream& os, const Lattice& lattice) {
@@ -182,26 +210,22 @@ bool isReplaceable(const std::string& path) {
 
 }  // namespace
 
-ModelForm formOfModel(const std::string& path) { return formOfHead(SourceStream(path).head()); }
-
 Model readModel(const std::string& path, const OrbScore::DocumentLimits& limits) {
   SourceStream source(path);
-  silence(source);
-  const ModelForm form = formOfHead(source.head());
-  source.throwIfUnreadable();
-  Model model;
-  try {
-    if (form == ModelForm::kBinary)
-      model.lattice = readBinary(source);
-    else if (form == ModelForm::kObjectXml)
-      model.lattice = readObjectXml(source);
-    else
-      model = modelOf(documentIn(path, source, limits));
-  } catch (const SeqExceptions::DictionaryFailure&) {
-    throw std::bad_alloc();
-  }
-  addLabelsBeside(path, model.labels);
-  return model;
+  const ModelForm form = formOf(source);
+  return modelIn(path, source, form, limits);
+}
+
+SafeDocument readDocument(const std::string& path, const OrbScore::DocumentLimits& limits) {
+  SourceStream source(path);
+  const ModelForm form = formOf(source);
+  if (form == ModelForm::kDocument) return documentIn(path, source, limits);
+  std::ostringstream document;
+  writeModel(document, modelIn(path, source, form, limits), ModelForm::kDocument);
+  OrbScore::DocumentLimits ours;  // our own text, of a model that was let in already
+  ours.bytes = std::numeric_limits<std::size_t>::max() / 2;
+  ours.elements = std::numeric_limits<std::size_t>::max() / 2;
+  return SafeDocument::Parse(std::move(document).str(), source.name(), ours);
 }
 
 void writeModel(std::ostream& os, const Model& model, ModelForm form) {

@@ -26,13 +26,19 @@
 #include "io/Model.h"
 #include "io/ModelForm.h"
 
-namespace orbseq {
+namespace OrbScore {
+class SafeDocument;
+}
 
-// The form of the stored model. "-" is standard input, which is read from.
-ModelForm formOfModel(const std::string& path);
+namespace orbseq {
 
 // `path` "-" is standard input. The limits are those of documents.
 Model readModel(const std::string& path, const OrbScore::DocumentLimits& limits = {});
+
+// The stored model as the document that the scoring module is handed: the file itself where it is a
+// document, else one written from it, with its labels.
+OrbScore::SafeDocument readDocument(const std::string& path,
+                                    const OrbScore::DocumentLimits& limits = {});
 
 // The model in that form, without the labels where the form has no room for them. The caller
 // flushes and checks the stream.

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "io/AtomicFile.h"
+#include "io/CsvLimits.h"
 #include "io/CsvReader.h"
 #include "io/IoError.h"
 #include "io/csvField.h"
@@ -16,6 +17,10 @@
 namespace orbseq {
 
 namespace {
+
+// A label may be as long as a document of the default limit holds.
+constexpr CsvLimits kLimits = {.fieldBytes = std::size_t{1} << 26U,
+                               .rowBytes = std::size_t{1} << 27U};
 
 std::optional<std::int32_t> itemOf(std::string_view text) {
   std::int32_t item = 0;
@@ -45,7 +50,7 @@ void addLabelsBeside(const std::string& modelPath, ItemLabelMap& labels) {
   const std::string path = labelFileOf(modelPath);
   std::error_code ignored;
   if (modelPath == "-" || !std::filesystem::exists(path, ignored)) return;
-  CsvReader reader(path);
+  CsvReader reader(path, kLimits);
   const std::size_t item = reader.columnOf("item");
   const std::size_t label = reader.columnOf("label");
   while (reader.next()) {

@@ -1,5 +1,5 @@
 // A shop's real lattice and customers, against the answers of an independent program: every item,
-// order and number, bit for bit.
+// order and number, bit for bit; also after the lattice went through other forms.
 
 #include <gtest/gtest.h>
 
@@ -13,6 +13,7 @@
 
 #include "host/SafeDocument.h"
 #include "tests/contract/support.h"
+#include "tests/support/TempFolder.h"
 
 namespace {
 
@@ -54,16 +55,11 @@ Answers expectedAnswers(const fs::path& path) {
   return answers;
 }
 
-TEST(RetailAnswers, EveryCustomerGetsTheExpectedAnswersBitForBit) {
-  const fs::path folder = fs::path(ORBSEQ_DATA_DIR) / "retail";
-  if (!fs::is_directory(folder)) {
-    std::cerr << "\n*** SKIPPED: no real data at " << folder << " ***\n\n";
-    GTEST_SKIP() << "no real data at " << folder;
-  }
-  const Answers expected = expectedAnswers(folder / "answers.tsv.gz");
-  const auto model =
-      test::module().LoadModel(OrbScore::SafeDocument::Load((folder / "lattice.xml").string()));
-  std::ifstream histories(folder / "histories.csv");
+// Scores every customer with the document, in each mode. `data` is the folder of the answers.
+void expectTheAnswers(const fs::path& data, const std::string& document) {
+  const Answers expected = expectedAnswers(data / "answers.tsv.gz");
+  const auto model = test::module().LoadModel(OrbScore::SafeDocument::Load(document));
+  std::ifstream histories(data / "histories.csv");
   std::string line;
   std::getline(histories, line);
 
@@ -93,6 +89,42 @@ TEST(RetailAnswers, EveryCustomerGetsTheExpectedAnswersBitForBit) {
   EXPECT_EQ(differences, 0);
   EXPECT_EQ(customers, 4339);
   EXPECT_EQ(answers, 167831U);
+}
+
+class RetailAnswers : public testing::Test {
+ protected:
+  void SetUp() override {
+    if (fs::is_directory(data_)) return;
+    std::cerr << "\n*** SKIPPED: no real data at " << data_ << " ***\n\n";
+    GTEST_SKIP() << "no real data at " << data_;
+  }
+
+  const fs::path data_ = fs::path(ORBSEQ_DATA_DIR) / "retail";
+};
+
+// Runs the program to turn a model into another form.
+void convert(const std::string& from, const std::string& to) {
+  const std::string command =
+      ORBSEQ_PROGRAM " convert --quiet --model '" + from + "' --output '" + to + "'";
+  ASSERT_EQ(std::system(command.c_str()), 0) << command;
+}
+
+TEST_F(RetailAnswers, EveryCustomerGetsTheExpectedAnswersBitForBit) {
+  expectTheAnswers(data_, (data_ / "lattice.xml").string());
+}
+
+TEST_F(RetailAnswers, ADocumentWrittenFromTheBinaryFormGivesThem) {
+  const orbseq::test::TempFolder folder;
+  convert((data_ / "lattice.xml").string(), folder.path("retail.bin"));
+  convert(folder.path("retail.bin"), folder.path("closed.xml"));
+  expectTheAnswers(data_, folder.path("closed.xml"));
+}
+
+TEST_F(RetailAnswers, APmmlDocumentWithTheLatticeGivesThem) {
+  const orbseq::test::TempFolder folder;
+  convert((data_ / "lattice.xml").string(), folder.path("retail.bin"));
+  convert(folder.path("retail.bin"), folder.path("retail.pmml"));
+  expectTheAnswers(data_, folder.path("retail.pmml"));
 }
 
 }  // namespace
