@@ -42,8 +42,8 @@ struct LatticeTables {
   std::unique_ptr<OrbScore::BaseDictionary> labels;
 };
 
-// The lattice's element below a model element: the first SeqAssociationLattice, or the model element
-// itself where there is none. Requires a model element.
+// The lattice's element below a model element: the first SeqAssociationLattice, or the model
+// element itself where there is none. Requires a model element.
 const OrbScore::DOMElement* latticeIn(const OrbScore::DOMElement* modelElement);
 
 // Throws QuException that names the place and the allowed range.

@@ -16,9 +16,9 @@ namespace OrbQuillon_830 {
 
 namespace {
 
+using OrbScore::DOMElement;
 using orbseq::DomPlace;
 using orbseq::LatticeTables;
-using OrbScore::DOMElement;
 using SEQUENCE_NAMESPACE_800::HashtableSQPair;
 
 constexpr int kTraceLevel = 1;
