@@ -2,7 +2,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include "cli/exitStatus.h"
 #include "io/ModelFile.h"
+#include "io/process.h"
 
 namespace orbseq {
 
@@ -26,6 +28,10 @@ void addModelOptions(CLI::App& command, ModelOptions& options) {
       ->capture_default_str();
 }
 
-Model readModel(const ModelOptions& options) { return readModel(options.model, options.limits); }
+Model readModel(const ModelOptions& options) {
+  Model model = readModel(options.model, options.limits);
+  if (interrupted()) throw Interrupted();
+  return model;
+}
 
 }  // namespace orbseq

@@ -3,7 +3,9 @@
 #include <cerrno>
 #include <cstdio>
 
+#include "cli/exitStatus.h"
 #include "io/IoError.h"
+#include "io/process.h"
 
 namespace orbseq {
 
@@ -27,6 +29,7 @@ void Output::flushIfFull() {
 }
 
 void Output::flush() {
+  if (interrupted()) throw Interrupted();
   errno = 0;
   if (file_)
     file_->write(text_);
@@ -42,5 +45,11 @@ void Output::finish() {
   else if (std::fclose(stdout) != 0)
     throw FileError(kName, "close", errno);
 }
+
+OutputStream::OutputStream(Output& output)
+    : SinkStream([&output](std::string_view bytes) {
+        output.text().append(bytes);
+        output.flushIfFull();
+      }) {}
 
 }  // namespace orbseq

@@ -1,7 +1,8 @@
 // Where results go: standard output, or a file that is replaced as a whole.
 //
 // Bytes are gathered and written in large blocks. Nothing of a file is visible before finish().
-// Threads: one at a time. Errors: FileError, as soon as a block cannot be written.
+// Threads: one at a time. Errors: FileError, as soon as a block cannot be written; Interrupted when
+// a person asked to stop.
 
 #ifndef CLI_OUTPUT_H_
 #define CLI_OUTPUT_H_
@@ -10,6 +11,7 @@
 #include <string>
 
 #include "io/AtomicFile.h"
+#include "io/SinkStream.h"
 
 namespace orbseq {
 
@@ -31,6 +33,12 @@ class Output {
 
   std::optional<AtomicFile> file_;  // nothing: standard output
   std::string text_;
+};
+
+// The output as a stream, for what writes to one. finish() it, and then the output.
+class OutputStream final : public SinkStream {
+ public:
+  explicit OutputStream(Output& output);  // which must outlive it
 };
 
 }  // namespace orbseq

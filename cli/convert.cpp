@@ -3,13 +3,12 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <string_view>
 
 #include "cli/ModelSummary.h"
 #include "cli/Output.h"
 #include "cli/messages.h"
 #include "io/ModelFile.h"
-#include "io/SinkStream.h"
+#include "io/modelLabels.h"
 #include "lattice/LatticeDocument.h"
 
 namespace orbseq {
@@ -23,7 +22,7 @@ const char* const kFooter =
   binary    compact and fast to read; .bin
   objxml    objects in lines of XML; .objxml
 Binary and objxml have no room for labels: they go into FILE.labels.csv beside the file, and are
-read from there.
+read from there; a former file of that name is replaced, or removed where it is not needed.
 
 A document is closed by one more, empty level, since the scoring module leaves the highest level of
 a document out; --open writes it without that level and without labels.
@@ -46,10 +45,7 @@ ModelForm formOf(const ConvertOptions& options) {
 // Onto standard output, or open, which no file of ours is for scoring.
 void writeTo(const ConvertOptions& options, const Model& model, ModelForm form) {
   Output output(options.output);
-  SinkStream stream([&output](std::string_view bytes) {
-    output.text().append(bytes);
-    output.flushIfFull();
-  });
+  OutputStream stream(output);
   if (options.open)
     writeLatticeDocument(stream, *model.lattice, {});
   else
@@ -84,14 +80,20 @@ ExitStatus runConvert(const ConvertOptions& options) {
   const ModelForm form = formOf(options);
   if (options.open && form != ModelForm::kDocument) throw UsageError("--open is for --to document");
   const Model model = readModel(options.model);
+  bool removedLabels = false;
   if (options.open || options.output == "-")
     writeTo(options, model, form);
   else
-    saveModel(options.output, model, form);
-  if (!options.quiet)
-    printMessage(fmt::format("{} sequences, {} labels written as {}",
-                             summaryOf(*model.lattice).sequences,
-                             options.open ? 0 : model.labels.size(), nameOf(form)));
+    removedLabels = saveModel(options.output, model, form);
+  if (options.quiet) return ExitStatus::kDone;
+  const bool keeps = !options.open && keepsLabels(options.output, form);
+  printMessage(fmt::format("{} sequences, {} labels written as {}",
+                           summaryOf(*model.lattice).sequences, keeps ? model.labels.size() : 0,
+                           nameOf(form)));
+  if (!keeps && !model.labels.empty())
+    printMessage(fmt::format("{} labels left out", model.labels.size()));
+  if (removedLabels)
+    printMessage("removed " + labelFileOf(options.output) + ", the labels of a former model");
   return ExitStatus::kDone;
 }
 

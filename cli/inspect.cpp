@@ -73,11 +73,12 @@ void appendFacts(std::string& out, const Model& model, const ModelSummary& summa
 }
 
 void appendLevels(std::string& out, const Model& model, const ModelSummary& summary) {
-  out += "\nlevel   sequences  first buckets\n";
-  for (std::size_t level = 0; level < summary.byLevel.size(); ++level)
-    fmt::format_to(std::back_inserter(out), "{:>5}  {:>10}  {:>13}\n", level,
-                   summary.byLevel[level],
-                   model.lattice->getSettings().tableSizeOf(static_cast<std::int32_t>(level)));
+  out += "\nlevel   sequences     buckets\n";
+  for (std::size_t level = 0; level < summary.byLevel.size(); ++level) {
+    const HashtableSQPair* const table = model.lattice->getTable(static_cast<std::int32_t>(level));
+    fmt::format_to(std::back_inserter(out), "{:>5}  {:>10}  {:>10}\n", level,
+                   summary.byLevel[level], table == nullptr ? 0 : table->getCapacity());
+  }
 }
 
 void appendItems(std::string& out, const Model& model, const ModelSummary& summary,

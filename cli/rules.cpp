@@ -13,8 +13,8 @@
 #include "cli/Output.h"
 #include "cli/RuleWriter.h"
 #include "cli/messages.h"
-#include "io/SinkStream.h"
 #include "io/process.h"
+#include "io/statusError.h"
 #include "lattice/LatticeDocument.h"
 #include "sequence/NTSequence.h"
 #include "sequence/SeqAssociationRule.h"
@@ -74,7 +74,9 @@ void addBounds(CLI::App& command, RulesOptions& options) {
 }
 
 void addSelection(CLI::App& command, RulesOptions& options) {
-  command.add_option("--sort", options.sort, "support, confidence, cause or none; largest first")
+  command
+      .add_option("--sort", options.sort,
+                  "support, confidence, cause (largest first) or none (by sequence)")
       ->check(CLI::IsMember({"support", "confidence", "cause", "none"}).description(""))
       ->type_name("BY")
       ->capture_default_str();
@@ -102,12 +104,6 @@ char sortCode(const std::string& sort) {
   return sort == "cause" ? 'A' : ' ';
 }
 
-void throwIfError(const OrbCommon_830::OrbStatus& status) {
-  if (status.IsError())
-    throw std::logic_error("the rules came with the error status " +
-                           std::to_string(status.GetErrorCode()));
-}
-
 bool holds(const Sequence& sequence, std::int32_t item) {
   for (std::int32_t k = 0; k < sequence.Length(); ++k) {
     const TimedItemSet& set = *sequence[k];
@@ -133,6 +129,31 @@ struct Selection {
   }
 };
 
+double keyOf(const SeqAssociationRule& rule, char sortBy) {
+  if (sortBy == 'S') return rule.GetSupport();
+  if (sortBy == 'C') return rule.GetConfidence();
+  return sortBy == 'A' ? rule.GetCause() : 0.0;
+}
+
+// The largest first, and equal ones by their sequences: the order of the tables, which another form
+// of the same model need not have, plays no part.
+std::vector<const SeqAssociationRule*> inOrder(const std::vector<SeqAssociationRule>& rules,
+                                               char sortBy) {
+  std::vector<const SeqAssociationRule*> ordered;
+  ordered.reserve(rules.size());
+  for (const SeqAssociationRule& rule : rules) ordered.push_back(&rule);
+  std::stable_sort(ordered.begin(), ordered.end(),
+                   [sortBy](const SeqAssociationRule* a, const SeqAssociationRule* b) {
+                     const double keyA = keyOf(*a, sortBy);
+                     const double keyB = keyOf(*b, sortBy);
+                     if (keyA != keyB) return keyA > keyB;
+                     if (a->GetAntecedent() < b->GetAntecedent()) return true;
+                     if (b->GetAntecedent() < a->GetAntecedent()) return false;
+                     return a->GetConsequent() < b->GetConsequent();
+                   });
+  return ordered;
+}
+
 std::int32_t countOf(const Lattice& lattice, const Sequence& sequence) {
   const NTSequence packed(&sequence);
   const auto* const counter = lattice.getDescriptor(&packed);
@@ -155,10 +176,7 @@ void checkPmml(const RulesOptions& options) {
 
 void writePmmlRules(const RulesOptions& options, const Model& model) {
   Output output(options.output);
-  SinkStream stream([&output](std::string_view bytes) {
-    output.text().append(bytes);
-    output.flushIfFull();
-  });
+  OutputStream stream(output);
   PmmlOptions pmml;
   pmml.minSupport = options.minSupport;
   pmml.maxSupport = options.maxSupport;
@@ -222,13 +240,14 @@ ExitStatus runRules(const RulesOptions& options) {
       options.minCause, options.maxCause, sortCode(options.sort), options.maximal));
 
   Output output(options.output);
+  const std::vector<const SeqAssociationRule*> ordered = inOrder(rules, sortCode(options.sort));
   const auto writer = RuleWriter::make(format, model.labels, options.labels);
   writer->appendHeader(output.text());
   std::size_t written = 0;
-  for (const SeqAssociationRule& rule : rules) {
+  for (const SeqAssociationRule* const rule : ordered) {
     if (options.top != 0 && written == options.top) break;
-    if (!selection.takes(rule)) continue;
-    writer->appendRule(output.text(), rated(*model.lattice, rule));
+    if (!selection.takes(*rule)) continue;
+    writer->appendRule(output.text(), rated(*model.lattice, *rule));
     output.flushIfFull();
     ++written;
   }

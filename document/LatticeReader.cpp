@@ -52,7 +52,8 @@ class Reader {
 
   LatticeTables read() {
     const DOMElement* const element = firstBelow(root_.element(), kStatistics);
-    if (element == nullptr) root_.refuse("SeqInputStats not found");
+    if (element == nullptr)
+      root_.refuse("SeqInputStats not found; a PMML document of rules alone holds no lattice");
     const DomPlace statistics(root_, kStatistics.text, 0, element);
     tables_.numberOfSequences = statistics.integer(u"numberOfSequences");
     const std::int32_t numberOfSets = statistics.integer(u"numberOfSets", 0);
@@ -197,6 +198,9 @@ void Reader::readSequence(const DomPlace& sequence, HashtableSQPair& table) cons
   counter->setCount(sequence.integer(u"occurrence", 0));
   auto key = std::make_unique<NTSequence>(sets, 0);
   readAdjacency(DomPlace(sequence, "SeqAdjacentList", 1, listElement), *key, *counter);
+  if (table.chainLength(key.get(), HashtableSQPair::kMostInChain) == HashtableSQPair::kMostInChain)
+    sequence.refuse("more than " + std::to_string(HashtableSQPair::kMostInChain) +
+                    " sequences of the level share a bucket");
   if (!table.put(key.get(), counter.get())) return;  // an equal one stands; these two are freed
   static_cast<void>(key.release());
   static_cast<void>(counter.release());

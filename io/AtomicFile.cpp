@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "io/IoError.h"
+#include "io/process.h"
 
 namespace orbseq {
 
@@ -40,9 +41,11 @@ fs::path folderOf(const fs::path& file) {
 
 }  // namespace
 
-AtomicFile::AtomicFile(const std::string& path) : name_(path), target_(followLinks(path)) {
+AtomicFile::AtomicFile(const std::string& path) : name_(path), target_(path) {
   std::error_code error;
-  const fs::file_status status = fs::status(target_, error);
+  const fs::file_status status = fs::status(path, error);
+  // Only a file is looked for behind its links: /dev/stdout leads to a pipe that has no name.
+  if (!fs::exists(status) || fs::is_regular_file(status)) target_ = followLinks(path);
   if (fs::is_directory(status)) fail("write", EISDIR);
   if (!fs::exists(status) || fs::is_regular_file(status))
     openTemporary();
@@ -103,6 +106,7 @@ void AtomicFile::write(std::string_view bytes) {
 }
 
 void AtomicFile::flush() {
+  if (interrupted()) fail("write", EINTR);
   std::string_view rest = buffer_;
   while (!rest.empty()) {
     const ssize_t written = ::write(descriptor_, rest.data(), rest.size());

@@ -10,6 +10,7 @@
 #include <stdexcept>
 #include <string_view>
 #include <system_error>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -21,13 +22,16 @@
 #include "io/SinkStream.h"
 #include "io/SourceStream.h"
 #include "io/modelLabels.h"
+#include "io/statusError.h"
 #include "lattice/LatticeDocument.h"
 #include "scoring/hostapi/BaseTranslator.h"
 #include "scoring/hostapi/QuErrorFormater.h"
 #include "scoring/hostapi/QuException.h"
 #include "scoring/hostapi/QuillonTranscoder.h"
 #include "sequence/HashtableSQPair.h"
+#include "sequence/NTSequence.h"
 #include "sequence/SeqExceptions.h"
+#include "sequence/SequenceCounter.h"
 #include "xml/XMLDocType.h"
 #include "xml/XMLObj.h"
 
@@ -38,10 +42,10 @@ namespace {
 using OrbScore::BaseTranslator;
 using OrbScore::SafeDocument;
 using SEQUENCE_NAMESPACE_800::HashtableSQPair;
+using SEQUENCE_NAMESPACE_800::ISQCPair;
 using SEQUENCE_NAMESPACE_800::SeqExceptions;
 
 const char* const kObjectXmlRoot = "OrbXMLRoot";
-const char* const kCopyright = "Copyright (c) OrbSequence";
 
 // Object-XML says what it is in its document type.
 ModelForm formOfHead(std::string_view head) {
@@ -67,9 +71,10 @@ double minimumSupportOf(const OrbScore::DOMElement* lattice) {
 }
 
 // All levels up to the highest that holds a sequence, and the empty one above it where there is
-// one.
+// one; level 0 in any case, since a stored lattice has one.
 std::unique_ptr<Lattice> latticeOf(LatticeTables& tables) {
   auto& levels = tables.levels;
+  if (levels.empty()) levels.push_back(std::make_unique<HashtableSQPair>(2));
   while (levels.size() > 1 && levels.back()->getSize() == 0 &&
          levels[levels.size() - 2]->getSize() == 0)
     levels.pop_back();
@@ -114,6 +119,36 @@ SafeDocument documentIn(const std::string& path, SourceStream& source,
   return SafeDocument::Parse(bytes, source.name(), limits);
 }
 
+// --- What is read
+// ----------------------------------------------------------------------------------
+
+// Calls each(level, entry) for everything stored.
+template <class Each>
+void forEachEntry(const Lattice& lattice, Each each) {
+  for (std::int32_t level = 0; level < lattice.getNumLevels(); ++level)
+    if (const HashtableSQPair* const table = lattice.getTable(level))
+      for (const ISQCPair& entry : *table) each(level, entry);
+}
+
+// A document would not take a negative count, and no answer makes sense of one.
+void checkCounts(const std::string& name, const Lattice& lattice) {
+  forEachEntry(lattice, [&name](std::int32_t level, const ISQCPair& entry) {
+    if (entry.value != nullptr && entry.value->getCount() < 0)
+      throw InputError(name, 0,
+                       "level " + std::to_string(level) + ": a count of " +
+                           std::to_string(entry.value->getCount()) + " is outside 0..2147483647");
+  });
+}
+
+// Labels of items that no sequence has would only be counted.
+void dropForeignLabels(Model& model) {
+  std::unordered_set<std::int32_t> items;
+  forEachEntry(*model.lattice, [&items](std::int32_t, const ISQCPair& entry) {
+    items.insert(entry.key->items().begin(), entry.key->items().end());
+  });
+  std::erase_if(model.labels, [&items](const auto& label) { return !items.contains(label.first); });
+}
+
 // --- Streams -------------------------------------------------------------------------------------
 
 std::unique_ptr<Lattice> readBinary(SourceStream& source) {
@@ -148,7 +183,7 @@ std::unique_ptr<Lattice> readObjectXml(SourceStream& source) {
     const std::unique_ptr<SeqExceptions::IOException> owned(error);
     refuseObjectXml(source, owned->what());
   }
-  if (lines == 0) refuseObjectXml(source, "before this line the object is not what it should be");
+  if (lines == 0) refuseObjectXml(source, "this is not what should stand here");
   std::string rest;
   std::getline(source, rest);
   rest.resize(rest.find_last_not_of(" \t\r") + 1);
@@ -178,7 +213,9 @@ Model modelIn(const std::string& path, SourceStream& source, ModelForm form,
   } catch (const SeqExceptions::DictionaryFailure&) {
     throw std::bad_alloc();
   }
+  if (form != ModelForm::kDocument) checkCounts(source.name(), *model.lattice);
   addLabelsBeside(path, model.labels);
+  if (!model.labels.empty()) dropForeignLabels(model);
   return model;
 }
 
@@ -192,16 +229,6 @@ void writeObjectXml(std::ostream& os, const Lattice& lattice) {
   OrbXML_830::EndRoot(os);
 }
 
-void throwIfError(const OrbCommon_830::OrbStatus& status) {
-  if (status.IsError())
-    throw std::runtime_error("the rules came with the error status " +
-                             std::to_string(status.GetErrorCode()));
-}
-
-bool hasRoomForLabels(ModelForm form) {
-  return form == ModelForm::kDocument || form == ModelForm::kPmml;
-}
-
 bool isReplaceable(const std::string& path) {
   std::error_code ignored;
   const auto status = std::filesystem::status(path, ignored);
@@ -209,6 +236,14 @@ bool isReplaceable(const std::string& path) {
 }
 
 }  // namespace
+
+bool hasRoomForLabels(ModelForm form) noexcept {
+  return form == ModelForm::kDocument || form == ModelForm::kPmml;
+}
+
+bool keepsLabels(const std::string& path, ModelForm form) {
+  return hasRoomForLabels(form) || (path != "-" && isReplaceable(path));
+}
 
 Model readModel(const std::string& path, const OrbScore::DocumentLimits& limits) {
   SourceStream source(path);
@@ -245,25 +280,21 @@ void writeModel(std::ostream& os, const Model& model, ModelForm form) {
   }
 }
 
-void saveModel(const std::string& path, const Model& model, ModelForm form) {
+bool saveModel(const std::string& path, const Model& model, ModelForm form) {
   AtomicFile file(path);
   SinkStream stream([&file](std::string_view bytes) { file.write(bytes); });
   writeModel(stream, model, form);
   stream.finish();
-  if (hasRoomForLabels(form) || !isReplaceable(path)) return file.commit();
-
-  const std::string labelPath = labelFileOf(path);
-  if (model.labels.empty()) {
+  const bool isReplaced = isReplaceable(path);
+  if (isReplaced && !hasRoomForLabels(form) && !model.labels.empty()) {
+    AtomicFile labels(labelFileOf(path));
+    writeLabels(labels, model.labels);
     file.commit();
-    std::error_code error;
-    std::filesystem::remove(labelPath, error);
-    if (error) throw FileError(labelPath, "remove", error.value());
-    return;
+    labels.commit();
+    return false;
   }
-  AtomicFile labels(labelPath);
-  writeLabels(labels, model.labels);
   file.commit();
-  labels.commit();
+  return isReplaced && removeLabelsBeside(path);
 }
 
 }  // namespace orbseq

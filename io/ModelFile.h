@@ -1,13 +1,14 @@
 // Models in files, in every form.
 //
 // Reading. The form is told by the content. A lattice document, or the lattice in a PMML document,
-// is read whole, its highest level included; what the document says of the minimum support becomes
-// the lattice's reduction threshold. Labels are the document's own and those of the file beside the
-// model (io/modelLabels.h).
+// is read whole, its highest level included; labels of items that it does not hold are dropped;
+// what the document says of the minimum support becomes the lattice's reduction threshold. Labels
+// are the document's own and those of the file beside the model (io/modelLabels.h).
 //
 // Writing. Documents are closed by one more, empty level, so that the scoring module, which hides
 // the highest level, answers from all that is stored, and carry the labels. For the other forms the
-// labels go into the file beside the model, which is removed where there are none. Every file is
+// labels go into the file beside the model. A former such file that the model does not need is
+// removed, so that no other model's labels are taken for its own. Every file is
 // replaced as a whole (io/AtomicFile.h); model and labels are two files, and a crash between the
 // two can leave a new model with old labels.
 //
@@ -44,8 +45,13 @@ OrbScore::SafeDocument readDocument(const std::string& path,
 // flushes and checks the stream.
 void writeModel(std::ostream& os, const Model& model, ModelForm form);
 
-// Replaces the file, and the file of labels beside it.
-void saveModel(const std::string& path, const Model& model, ModelForm form);
+// Whether the form itself holds the labels, and whether a model saved so keeps them somehow.
+bool hasRoomForLabels(ModelForm form) noexcept;
+bool keepsLabels(const std::string& path, ModelForm form);
+
+// Replaces the file, and the file of labels beside it. True when a former file of labels was
+// removed.
+bool saveModel(const std::string& path, const Model& model, ModelForm form);
 
 }  // namespace orbseq
 

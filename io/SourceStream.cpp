@@ -9,6 +9,7 @@
 #include <streambuf>
 
 #include "io/IoError.h"
+#include "io/process.h"
 
 namespace orbseq {
 
@@ -34,12 +35,20 @@ class SourceStream::Buffer final : public std::streambuf {
   std::uint64_t offset() const noexcept {
     return offset_ + static_cast<std::uint64_t>(gptr() - eback());
   }
-  std::size_t line() const noexcept { return lines_ + linesTo(gptr()) + 1; }
+  std::size_t line() const noexcept {
+    const char latest = gptr() != eback() ? gptr()[-1] : last_;
+    return lines_ + linesTo(gptr()) + (latest == '\n' ? 0 : 1);
+  }
   int error() const noexcept { return error_; }
 
  protected:
   int_type underflow() override {
     lines_ += linesTo(egptr());
+    if (egptr() != eback()) last_ = egptr()[-1];
+    if (interrupted()) {
+      error_ = EINTR;
+      return traits_type::eof();
+    }
     offset_ += static_cast<std::uint64_t>(egptr() - eback());
     const std::size_t got = std::fread(block_.data(), 1, block_.size(), file_);
     if (got == 0 && std::ferror(file_) != 0) error_ = errno;
@@ -56,6 +65,7 @@ class SourceStream::Buffer final : public std::streambuf {
   std::array<char, kBlockBytes> block_;
   std::uint64_t offset_ = 0;  // of the block's first byte
   std::size_t lines_ = 0;     // line feeds before the block
+  char last_ = ' ';           // of the block before
   int error_ = 0;
 };
 

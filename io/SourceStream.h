@@ -33,7 +33,7 @@ class SourceStream : public std::istream {
   void throwIfUnreadable() const;
 
   std::uint64_t offset() const noexcept;  // bytes consumed
-  std::size_t line() const noexcept;      // of the next byte, from 1
+  std::size_t line() const noexcept;      // of the latest byte consumed, from 1
 
  private:
   class Buffer;

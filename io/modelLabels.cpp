@@ -44,7 +44,21 @@ ItemLabelMap labelsOf(const OrbScore::ScoreDictionary* dictionary) {
   return labels;
 }
 
-std::string labelFileOf(const std::string& modelPath) { return modelPath + ".labels.csv"; }
+std::string labelFileOf(const std::string& modelPath) {
+  std::error_code error;
+  if (!std::filesystem::is_symlink(modelPath, error)) return modelPath + ".labels.csv";
+  const auto target = std::filesystem::weakly_canonical(modelPath, error);
+  return (error ? modelPath : target.string()) + ".labels.csv";
+}
+
+bool removeLabelsBeside(const std::string& modelPath) {
+  const std::string path = labelFileOf(modelPath);
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(path, error)) return false;
+  std::filesystem::remove(path, error);
+  if (error) throw FileError(path, "remove", error.value());
+  return true;
+}
 
 void addLabelsBeside(const std::string& modelPath, ItemLabelMap& labels) {
   const std::string path = labelFileOf(modelPath);

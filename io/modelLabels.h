@@ -22,7 +22,11 @@ class AtomicFile;
 // `dictionary` may be null. Names that are no item numbers, and empty labels, are left out.
 ItemLabelMap labelsOf(const OrbScore::ScoreDictionary* dictionary);
 
+// Beside the file that a symbolic link leads to.
 std::string labelFileOf(const std::string& modelPath);
+
+// Whether there was such a file. Throws FileError.
+bool removeLabelsBeside(const std::string& modelPath);
 
 // Adds the labels of the file beside the model, if there is one, for items without a label.
 // Nothing for standard input. Throws InputError, FileError.

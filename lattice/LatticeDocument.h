@@ -34,6 +34,9 @@ class SequenceDictionary;
 
 namespace orbseq {
 
+// What the documents of this system say of their copyright.
+inline constexpr const char* kCopyright = "Copyright (c) OrbSequence";
+
 // Text by item, in UTF-8. What XML cannot hold is shown as U+FFFD. An empty text is no label.
 using ItemLabelMap = std::map<std::int32_t, std::string>;
 

@@ -1,6 +1,6 @@
 #include "lattice/SeqDictionarySettings.h"
 
-#include <algorithm>
+#include <cstddef>
 #include <istream>
 #include <ostream>
 #include <string>
@@ -22,13 +22,20 @@ constexpr std::uint64_t kXmlLines = 12;
 
 // What stored settings do wrong, or nothing: no table is made of numbers that were not looked at.
 std::string faultOf(const SeqDictionarySettings& settings) {
-  const auto isSize = [](std::int32_t size) {
-    return size >= 1 && size <= SeqDictionarySettings::kMaxStoredBuckets;
+  const std::string range = " is outside 1..";
+  const auto faultOfSize = [&range](const std::string& name, std::int32_t size) {
+    constexpr std::int32_t kMost = SeqDictionarySettings::kMaxStoredBuckets;
+    return size >= 1 && size <= kMost
+               ? std::string()
+               : name + " " + std::to_string(size) + range + std::to_string(kMost);
   };
-  const auto& sizes = settings.levelTableSize;
-  const std::string range = " outside 1..";
-  if (!std::all_of(sizes.begin(), sizes.end(), isSize) || !isSize(settings.upperTableSize))
-    return "table size" + range + std::to_string(SeqDictionarySettings::kMaxStoredBuckets);
+  for (std::size_t i = 0; i < settings.levelTableSize.size(); ++i) {
+    const std::string fault =
+        faultOfSize("table size of level " + std::to_string(i), settings.levelTableSize[i]);
+    if (!fault.empty()) return fault;
+  }
+  const std::string fault = faultOfSize("table size of upper levels", settings.upperTableSize);
+  if (!fault.empty()) return fault;
   const std::int32_t levels = settings.numLevels;
   if (levels < 1 || levels > SeqDictionarySettings::kMaxStoredLevels)
     return "number of levels " + std::to_string(levels) + range +
@@ -36,7 +43,7 @@ std::string faultOf(const SeqDictionarySettings& settings) {
   std::int64_t buckets = 0;
   for (std::int32_t i = 0; i < levels; ++i) buckets += settings.tableSizeOf(i);
   if (buckets > SeqDictionarySettings::kMaxStoredBuckets)
-    return "buckets of all tables together, " + std::to_string(buckets) + "," + range +
+    return "sum of all table sizes " + std::to_string(buckets) + range +
            std::to_string(SeqDictionarySettings::kMaxStoredBuckets);
   return {};
 }

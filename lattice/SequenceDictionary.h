@@ -186,8 +186,9 @@ class ORBSEQ_EXPORT SequenceDictionary : public SequenceSemiLattice {
   //
   // Errors. A stream that has failed is not written to: message, and SeqExceptions::IOException by
   // pointer. A bad binary form: message and the same. A bad XML form: 0; for bad settings message
-  // and exception. DictionaryFailure or std::bad_alloc when memory runs out. After any of them the
-  // dictionary holds a part, and can be destroyed and read into. A read frees what was held before.
+  // and exception. Written are also settings and links that a reader refuses. DictionaryFailure or
+  // std::bad_alloc when memory runs out. After any of them the dictionary holds a part, and can be
+  // destroyed and read into. A read frees what was held before.
   std::uint64_t writeObject(std::ostream& os) const;
   std::uint64_t writeObject(std::fstream& file) const;
   std::uint64_t readObject(std::istream& is);

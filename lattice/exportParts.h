@@ -20,7 +20,6 @@ class SequenceCounter;
 
 namespace orbseq {
 
-constexpr const char* kCopyright = "Copyright (c) OrbSequence";
 constexpr const char* kExtender = "OrbSequence";
 constexpr const char* kLatticeVersion = "1.2.1";
 

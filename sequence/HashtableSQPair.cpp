@@ -137,6 +137,15 @@ void HashtableSQPair::rehash() {
   ++rehashCount_;
 }
 
+std::int32_t HashtableSQPair::chainLength(const NTSequence* key,
+                                          std::int32_t enough) const noexcept {
+  std::int32_t length = 0;
+  if (capacity_ == 0) return length;
+  const SQCPairNode* node = buckets_[hashedKey(key)];
+  for (; node != nullptr && length < enough; node = node->next) ++length;
+  return length;
+}
+
 const ISQCPair* HashtableSQPair::get(const NTSequence* key) const noexcept { return find(key); }
 
 void HashtableSQPair::remove(const NTSequence* key) noexcept {

@@ -97,6 +97,12 @@ class ORBSEQ_EXPORT HashtableSQPair {
   const ISQCPair* get(const NTSequence* key) const noexcept;
   bool containsKey(const NTSequence* key) const noexcept { return get(key) != nullptr; }
 
+  // Entries in the chain where the key is or would be, counted up to `enough`. Readers of what
+  // comes from outside refuse chains of more than kMostInChain: keys can be made to share one, and
+  // every insertion walks it.
+  static constexpr std::int32_t kMostInChain = 1000;
+  std::int32_t chainLength(const NTSequence* key, std::int32_t enough) const noexcept;
+
   // Destroys the entry of an equal key, if any; `key` may be the stored key itself.
   // Deliberate: the chain's head moves into the entry's node, which changes the order.
   void remove(const NTSequence* key) noexcept;

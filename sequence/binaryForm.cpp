@@ -238,6 +238,9 @@ std::uint64_t HashtableSQPair::readObject(BinaryReader& reader) {
     total += counter->readObject(reader);
     if (!fits(*key, *counter))
       reader.refuse("adjacent position", "names no extension of the sequence");
+    if (chainLength(key.get(), kMostInChain) == kMostInChain)
+      reader.refuse("items", "more than " + std::to_string(kMostInChain) +
+                                 " sequences of the level share a bucket");
     putOverwrite(key.get(), counter.get());
     static_cast<void>(key.release());
     static_cast<void>(counter.release());

@@ -89,10 +89,8 @@ void XMLElement::write(Sink& sink, ExportFormat& format) const {
 XMLElement* XMLElement::Clone() const {
   std::unique_ptr<XMLElement> copy(Create(name_));
   for (const auto& attribute : attributes_) copy->AddAttribute(attribute->Clone());
-  for (const auto& child : children_) {
-    copy->children_.reserve(copy->children_.size() + 1);
-    copy->children_.emplace_back(child->Clone());
-  }
+  copy->children_.reserve(children_.size());  // so that no clone is lost when there is no room
+  for (const auto& child : children_) copy->children_.emplace_back(child->Clone());
   return copy.release();
 }
 

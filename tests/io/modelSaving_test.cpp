@@ -79,9 +79,9 @@ TEST(ModelSaving, DocumentsCarryTheirLabels) {
 
 TEST(ModelSaving, ADocumentsOwnLabelsComeFirst) {
   const TempFolder folder;
-  folder.file("m.labels.csv", "item,label\n1,beside\n2,beside\n");
   for (const ModelForm form : kDocuments) {
     saveModel(folder.path("m"), smallModel({{1, "own"}}), form);
+    folder.file("m.labels.csv", "item,label\n1,beside\n2,beside\n99,of no sequence\n");
     EXPECT_EQ(readModel(folder.path("m")).labels, (ItemLabelMap{{1, "own"}, {2, "beside"}}));
   }
 }
@@ -98,9 +98,24 @@ TEST(ModelSaving, ASymbolicLinkStaysAndItsTargetIsReplaced) {
     EXPECT_FALSE(fs::is_symlink(target));
     EXPECT_TRUE(contentOf(target) == bytesOf(smallModel({{1, "tea"}}), form)) << nameOf(form);
     EXPECT_EQ(readModel(folder.path("link")).labels, (ItemLabelMap{{1, "tea"}}));
-    EXPECT_EQ(other.entries(), 1U);
+    // The labels stand beside the target.
+    EXPECT_EQ(other.entries(), hasRoomForLabels(form) ? 1U : 2U);
+    EXPECT_EQ(folder.entries(), 1U);
     fs::remove(folder.path("link"));
   }
+}
+
+TEST(ModelSaving, LabelsOfAFormerModelDoNotStay) {
+  const TempFolder folder;
+  for (const ModelForm form : kEveryForm) {
+    EXPECT_FALSE(saveModel(folder.path("m"), smallModel({{1, "tea"}}), ModelForm::kBinary));
+    EXPECT_TRUE(saveModel(folder.path("m"), smallModel(), form)) << nameOf(form);
+    EXPECT_TRUE(readModel(folder.path("m")).labels.empty());
+    EXPECT_EQ(folder.entries(), 1U);
+  }
+  fs::create_directory(folder.path("m.labels.csv"));  // no file: it stays
+  EXPECT_FALSE(saveModel(folder.path("m"), smallModel(), ModelForm::kDocument));
+  EXPECT_TRUE(fs::is_directory(folder.path("m.labels.csv")));
 }
 
 TEST(ModelSaving, AFullDeviceIsAnErrorAndStaysADevice) {

@@ -310,6 +310,24 @@ TEST(HashtableSQPairBinary, AdjacentPositionsThatNameNoExtensionAreRefused) {
   }
 }
 
+// The first two items' factors are 9829 and 9817, so that these keys have one hash.
+std::string collidingEntries(std::int32_t count) {
+  std::string bytes = "HT" + ints({count});
+  for (std::int32_t k = 0; k < count; ++k)
+    bytes += sequenceBlock(0b01, {9817 * k, 9829 * (100'000 - k)}, 1) + counterBlock(1);
+  return bytes;
+}
+
+TEST(HashtableSQPairBinary, AThousandSequencesMayShareABucketAndNotMore) {
+  HashtableSQPair read(5);
+  EXPECT_FALSE(readInto(read, collidingEntries(1000)).isRefused());
+  EXPECT_EQ(read.getSize(), 1000);
+  HashtableSQPair refusing(5);
+  const ReadOutcome outcome = readInto(refusing, collidingEntries(1001));
+  EXPECT_EQ(outcome.printed, kTableMessage);
+  EXPECT_THAT(outcome.thrown, HasSubstr("more than 1000 sequences of the level share a bucket"));
+}
+
 TEST(HashtableSQPairBinary, AWrongMarkerIsRefused) {
   HashtableSQPair read(5);
   const ReadOutcome outcome = readInto(read, "XT" + ints({0}));
