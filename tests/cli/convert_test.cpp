@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <future>
@@ -279,6 +280,32 @@ TEST(Convert, WrongUsageIsToldInOneLine) {
     EXPECT_THAT(outcome.error, StartsWith("orbseq: ")) << text;
     EXPECT_EQ(linesIn(outcome.error), 1) << text << outcome.error;
   }
+}
+
+TEST(Convert, ARequestToStopEndsEveryCommandAndLeavesTheOldFile) {
+  const SmallModels models;
+  const std::string model = contentOf(models.folder.path("small.bin"));
+  const std::string fifo = models.folder.path("fifo");
+  const std::string output = models.folder.file("output", "old");
+  ::signal(SIGPIPE, SIG_IGN);  // the program may be gone before it is fed
+  for (const std::vector<std::string>& command :
+       {std::vector<std::string>{"convert", "--to", "document"}, {"inspect"}, {"rules"}}) {
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    std::vector<std::string> arguments = command;
+    arguments.insert(arguments.end(), {"--model", fifo, "--output", output});
+    Program program(arguments);
+    std::ofstream feed(fifo, std::ios::binary);  // waits until the program reads
+    feed << model.substr(0, model.size() / 2) << std::flush;
+    program.signal(SIGTERM);
+    feed << model.substr(model.size() / 2);
+    feed.close();
+    const Outcome outcome = program.wait();
+    EXPECT_EQ(outcome.status, 130) << command.front();
+    EXPECT_EQ(outcome.error, "orbseq: interrupted\n") << command.front();
+    EXPECT_EQ(contentOf(output), "old") << command.front();
+    std::filesystem::remove(fifo);
+  }
+  ::signal(SIGPIPE, SIG_DFL);
 }
 
 }  // namespace
