@@ -117,6 +117,32 @@ class ORBSEQ_EXPORT SequenceDictionary : public SequenceSemiLattice {
   // Deliberate: one more than maxCount.
   void displaySize(int level, int maxCount, std::ostream& out) const;
 
+  // --- Pruning ---------------------------------------------------------------------------------
+  // Remove entries with their counters. No other counter's links are touched: pairs may then name
+  // extensions that are gone, which every query checks. isLatticeBuilt() stays as it is.
+  //
+  // A threshold is a number of customers: an integer but for noise in its last digits is that
+  // integer, any other is raised to the next one. Each answers the number of entries removed.
+
+  void remove(const NTSequence* sequence) noexcept;  // null, or not stored: nothing happens
+  void remove(const int* const* sets, int n);        // throws DictionaryFailure
+  void remove(const Sequence& sequence);             // throws DictionaryFailure
+
+  // From one level, what has a smaller count, and what has a smaller count + max missed.
+  std::int32_t reduceDictionaryWithCount(int level, double threshold);
+  std::int32_t reduceDictionary(int level, double threshold);
+  // The same from the levels 1 and up; reduceAll ends at the first level that was empty before, and
+  // sets the reduction threshold to the share of the customers, when there are any.
+  std::int32_t reduceAllWithCount(double threshold);
+  std::int32_t reduceAll(double threshold);
+
+  // Settles every bound: what entered up to `ordinal` gets its max missed added to its count (up to
+  // the largest 32-bit count), what entered later is removed. Always OK.
+  OrbStatus dropAfter(int ordinal);
+
+  // Removes everything and stores the empty sequence anew, with count 0. Throws DictionaryFailure.
+  void reset();
+
   // --- Searching -------------------------------------------------------------------------------
   // Appends every stored sequence that `customer` contains and that ends in its last known item
   // set, once `skipLast` item sets are left out at the end. Order: as discovered, which is
