@@ -7,6 +7,7 @@
 #include "host/EnvironmentError.h"
 #include "io/IoError.h"
 #include "io/process.h"
+#include "mining/MinerOptions.h"
 #include "scoring/hostapi/QuException.h"
 #include "sequence/errorText.h"
 
@@ -30,6 +31,9 @@ ExitStatus statusOfCurrentException(std::string& text) {
     text = error.what();
     return ExitStatus::kEnvironment;
   } catch (const OrbScore::EnvironmentError& error) {
+    text = error.what();
+    return ExitStatus::kEnvironment;
+  } catch (const MinerStopped& error) {
     text = error.what();
     return ExitStatus::kEnvironment;
   } catch (const OrbScore::QuException& error) {

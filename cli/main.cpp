@@ -9,6 +9,7 @@
 #include "cli/inspect.h"
 #include "cli/rules.h"
 #include "cli/score.h"
+#include "cli/train.h"
 #include "io/process.h"
 
 namespace orbseq {
@@ -63,15 +64,18 @@ ExitStatus run(int argc, const char* const* argv) {
   program.require_subcommand(1);
   program.footer(kFooter);
 
+  TrainOptions trainOptions;
   ScoreOptions scoreOptions;
   RulesOptions rulesOptions;
   InspectOptions inspectOptions;
   ConvertOptions convertOptions;
+  const CLI::App* const train = addTrainCommand(program, trainOptions);
   const CLI::App* const score = addScoreCommand(program, scoreOptions);
   const CLI::App* const rules = addRulesCommand(program, rulesOptions);
   const CLI::App* const inspect = addInspectCommand(program, inspectOptions);
   const CLI::App* const convert = addConvertCommand(program, convertOptions);
   if (!parse(program, argc, argv)) return ExitStatus::kDone;
+  if (train->parsed()) return runTrain(trainOptions);
   if (score->parsed()) return runScore(scoreOptions);
   if (rules->parsed()) return runRules(rulesOptions);
   if (inspect->parsed()) return runInspect(inspectOptions);

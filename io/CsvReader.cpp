@@ -18,7 +18,7 @@ namespace orbseq {
 // one row comes out of each step.
 class CsvReader::Parser {
  public:
-  Parser(const std::string& path, const CsvLimits& limits);
+  Parser(const std::string& path, const CsvLimits& limits, char delimiter);
   ~Parser() { csv_free(&csv_); }
   Parser(const Parser&) = delete;
   Parser& operator=(const Parser&) = delete;
@@ -61,9 +61,10 @@ class CsvReader::Parser {
   bool ended_ = false;
 };
 
-CsvReader::Parser::Parser(const std::string& path, const CsvLimits& limits)
+CsvReader::Parser::Parser(const std::string& path, const CsvLimits& limits, char delimiter)
     : source_(path), limits_(limits) {
   if (csv_init(&csv_, CSV_STRICT | CSV_STRICT_FINI) != 0) throw std::bad_alloc();
+  csv_set_delim(&csv_, static_cast<unsigned char>(delimiter));
   csv_set_space_func(&csv_, [](unsigned char) { return 0; });  // blanks belong to the field
   csv_set_blk_size(&csv_, 4096);
 }
@@ -161,8 +162,8 @@ void CsvReader::Parser::failToParse() const {
                         : "a quote inside a field that does not begin with one");
 }
 
-CsvReader::CsvReader(const std::string& path, const CsvLimits& limits)
-    : parser_(std::make_unique<Parser>(path, limits)) {
+CsvReader::CsvReader(const std::string& path, const CsvLimits& limits, char delimiter)
+    : parser_(std::make_unique<Parser>(path, limits, delimiter)) {
   if (!parser_->next()) throw InputError(name(), 0, "the file is empty; a header row is wanted");
   for (std::size_t i = 0; i < parser_->count(); ++i) columns_.emplace_back(parser_->field(i));
 }

@@ -33,7 +33,8 @@ namespace orbseq {
 class CsvReader {
  public:
   // Opens the file ("-": standard input) and reads the header; a file without one is refused.
-  explicit CsvReader(const std::string& path, const CsvLimits& limits = {});
+  // `delimiter` is what separates the fields.
+  explicit CsvReader(const std::string& path, const CsvLimits& limits = {}, char delimiter = ',');
   ~CsvReader();
   CsvReader(CsvReader&&) noexcept;
   CsvReader& operator=(CsvReader&&) noexcept;

@@ -1,7 +1,10 @@
 #include "io/TextSource.h"
 
+#include <zlib.h>
+
 #include <cerrno>
 #include <filesystem>
+#include <new>
 #include <system_error>
 
 #include "io/IoError.h"
@@ -34,26 +37,99 @@ void TextSource::Close::operator()(std::FILE* file) const noexcept {
   if (file != stdin) std::fclose(file);
 }
 
+// Decompresses gzip members from one block of raw bytes into another of plain ones.
+class TextSource::Inflater {
+ public:
+  Inflater() : plain_(kBlockBytes, '\0') {
+    constexpr int kGzip = 16 + MAX_WBITS;  // gzip headers alone
+    if (inflateInit2(&stream_, kGzip) != Z_OK) throw std::bad_alloc();
+  }
+  ~Inflater() { inflateEnd(&stream_); }
+  Inflater(const Inflater&) = delete;
+  Inflater& operator=(const Inflater&) = delete;
+
+  bool wantsBytes() const noexcept { return stream_.avail_in == 0; }
+  bool isInMember() const noexcept { return isInMember_; }
+  void give(std::string_view raw) noexcept {
+    // zlib reads from it alone.
+    stream_.next_in = const_cast<Bytef*>(reinterpret_cast<const Bytef*>(raw.data()));
+    stream_.avail_in = static_cast<uInt>(raw.size());
+  }
+
+  // Plain bytes of what was given; nothing when it is used up. False when it is no gzip.
+  bool inflateSome(std::string_view& plain) {
+    if (!isInMember_) inflateReset(&stream_);
+    isInMember_ = true;
+    stream_.next_out = reinterpret_cast<Bytef*>(plain_.data());
+    stream_.avail_out = static_cast<uInt>(plain_.size());
+    const int status = ::inflate(&stream_, Z_NO_FLUSH);
+    if (status == Z_MEM_ERROR) throw std::bad_alloc();
+    if (status != Z_OK && status != Z_STREAM_END && status != Z_BUF_ERROR) return false;
+    if (status == Z_STREAM_END) isInMember_ = false;
+    plain = std::string_view(plain_).substr(0, plain_.size() - stream_.avail_out);
+    return true;
+  }
+
+ private:
+  z_stream stream_{};
+  std::string plain_;
+  bool isInMember_ = false;
+};
+
 TextSource::TextSource(const std::string& path)
     : name_(path == "-" ? "standard input" : path),
       file_(openFile(path)),
       block_(kBlockBytes, '\0'),
       size_(sizeOf(path)) {}
 
-std::string_view TextSource::next() {
+TextSource::~TextSource() = default;
+TextSource::TextSource(TextSource&&) noexcept = default;
+TextSource& TextSource::operator=(TextSource&&) noexcept = default;
+
+std::string_view TextSource::nextRaw() {
   errno = 0;
   const std::size_t count = std::fread(block_.data(), 1, block_.size(), file_.get());
   if (count < block_.size() && std::ferror(file_.get()) != 0) throw FileError(name_, "read", errno);
-
-  std::string_view bytes(block_.data(), count);
-  if (bytesRead_ == 0) {
-    if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF"))
-      throw InputError(name_, 1, 1, "the file is UTF-16; UTF-8 is wanted");
-    if (bytes.starts_with("\xEF\xBB\xBF")) bytes.remove_prefix(3);
-  }
   bytesRead_ += count;
-  if (bytes.empty() && count > 0) return next();
-  return bytes;
+  return {block_.data(), count};
+}
+
+std::string_view TextSource::nextInflated() {
+  for (;;) {
+    if (inflater_->wantsBytes()) {
+      const std::string_view raw = nextRaw();
+      if (raw.empty()) {
+        if (inflater_->isInMember()) throw InputError(name_, 0, "the gzip data end too early");
+        return {};
+      }
+      inflater_->give(raw);
+    }
+    std::string_view plain;
+    if (!inflater_->inflateSome(plain))
+      throw InputError(name_, 0, "byte " + std::to_string(bytesRead_) + " or before: no gzip data");
+    bytesGiven_ += plain.size();
+    if (bytesGiven_ > kMostExpansion * bytesRead_)
+      throw InputError(name_, 0,
+                       "the gzip data expand to more than " + std::to_string(kMostExpansion) +
+                           " times their size, the limit");
+    if (!plain.empty()) return plain;
+  }
+}
+
+std::string_view TextSource::next() {
+  const bool isFirst = bytesRead_ == 0;
+  std::string_view bytes = inflater_ ? nextInflated() : nextRaw();
+  if (!isFirst) return bytes;
+  if (bytes.starts_with("\x1F\x8B")) {
+    inflater_ = std::make_unique<Inflater>();
+    inflater_->give(bytes);
+    bytes = nextInflated();
+  }
+  if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF"))
+    throw InputError(name_, 1, 1, "the file is UTF-16; UTF-8 is wanted");
+  if (!bytes.starts_with("\xEF\xBB\xBF")) return bytes;
+  bytes.remove_prefix(3);
+  return bytes.empty() ? next() : bytes;
 }
 
 }  // namespace orbseq

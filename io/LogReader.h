@@ -1,0 +1,56 @@
+// Reads a log of what customers took, in any of its forms.
+//
+//   csv, tsv  a row an item, with a header; columns of customer, time and item, perhaps a
+//   description spmf      a customer a line: items separated by blanks, -1 behind each item set, -2
+//   at the end;
+//             <TIME> before a set; lines @ITEM=7=TEXT name items; lines that begin with # or % are
+//             left out
+//   basket    a basket a line: customer, time, number of items, items
+// Each may be compressed with gzip.
+//
+// Errors: InputError with file, row and column; FileError. With skipBadRows, so many rows whose
+// customer, time or item is bad are left out and counted; other faults of form are always errors.
+// Threads: any number, each with its own log.
+
+#ifndef IO_LOGREADER_H_
+#define IO_LOGREADER_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "io/LogBuilder.h"
+#include "io/TransactionLog.h"
+
+namespace orbseq {
+
+enum class LogFormat { kCsv, kTsv, kSpmf, kBasket };
+
+// By the end of the name, .gz aside: .csv, .tsv, .spmf, .basket; nothing for any other.
+std::optional<LogFormat> logFormatOf(const std::string& path);
+// "csv", "tsv", "spmf", "basket".
+std::optional<LogFormat> logFormatNamed(const std::string& name);
+
+struct LogOptions {
+  LogFormat format = LogFormat::kCsv;
+  std::string customer = "customer";  // names of columns
+  std::string time = "time";
+  std::string item = "item";
+  std::string label;  // of descriptions; empty: there are none
+  LogBuilder::Options builder;
+  std::size_t skipBadRows = 0;
+
+  // Called every few thousand rows with the rows and bytes read so far, and the file's bytes where
+  // they are known; what it throws ends the reading. May be empty.
+  std::function<void(std::size_t rows, std::uintmax_t bytes, std::optional<std::uintmax_t> size)>
+      progress;
+};
+
+// `path` "-" is standard input.
+TransactionLog readLog(const std::string& path, const LogOptions& options);
+
+}  // namespace orbseq
+
+#endif  // IO_LOGREADER_H_

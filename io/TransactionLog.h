@@ -1,0 +1,31 @@
+// A log of what customers took, read and ready for mining or scoring.
+//
+// Customers stand in the order in which the log names them first; their baskets in the order of
+// time. Items are 32-bit numbers: the log's own where every item of it is an integer from 0 to
+// 2147483647 without leading zeros, otherwise numbers from 1 in the order of the items' bytes, with
+// the text as label.
+
+#ifndef IO_TRANSACTIONLOG_H_
+#define IO_TRANSACTIONLOG_H_
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "io/Model.h"
+#include "mining/SequenceDatabase.h"
+
+namespace orbseq {
+
+struct TransactionLog {
+  SequenceDatabase database;
+  std::vector<std::string> customers;  // [database.customers()] as the log calls them
+  ItemLabelMap labels;                 // the items' texts, and descriptions where there are any
+  std::size_t rows = 0;                // rows, lines or objects that were read
+  std::size_t badRows = 0;             // of them, those that were skipped
+  std::size_t unknownItems = 0;        // occurrences of items that a given model does not know
+};
+
+}  // namespace orbseq
+
+#endif  // IO_TRANSACTIONLOG_H_
