@@ -36,13 +36,6 @@ constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
 const std::vector<Count> kShop = {{"", 100},      {"(1)", 60},   {"(2)", 50},
                                   {"(1)(2)", 30}, {"(1 2)", 20}, {"(1)(1 2)", 10}};
 
-std::string fileText(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::ostringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
-
 // A settings block. `sizes` are the eight levels' and then the upper levels'.
 std::string settingsBlock(std::vector<std::int32_t> sizes, std::int32_t numLevels) {
   std::string bytes = "DS";
@@ -121,12 +114,6 @@ TEST(DictionaryBinary, OnlyAOneMeansThatTheLatticeIsBuilt) {
   SequenceDictionary read;
   readInto(read, "SD1" + rest);
   EXPECT_TRUE(read.isLatticeBuilt());
-}
-
-// An entry without a counter comes back with one of zeros, which is another lattice.
-bool lacksCounters(const World& world) {
-  return std::any_of(world.entries.begin(), world.entries.end(),
-                     [](const auto& entry) { return !entry.second.count; });
 }
 
 TEST(DictionaryBinary, RandomLatticesAnswerTheSameWhenTheyComeBack) {

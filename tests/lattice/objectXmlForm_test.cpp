@@ -25,13 +25,6 @@ using SEQUENCE_NAMESPACE_800::SequenceDictionary;
 const std::vector<Count> kShop = {{"", 100},      {"(1)", 60},   {"(2)", 50},
                                   {"(1)(2)", 30}, {"(1 2)", 20}, {"(1)(1 2)", 10}};
 
-std::string fileText(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::ostringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
-
 std::vector<std::string> linesOf(const std::string& text) {
   std::vector<std::string> lines;
   std::istringstream stream(text);
@@ -107,12 +100,6 @@ TEST(DictionaryXml, SequencesAboveAGapAreLost) {
   SequenceDictionary read;
   readXmlInto(read, xmlOf(dictionary));
   EXPECT_EQ(read.NumberOfSequences(), 2);
-}
-
-// An entry without a counter comes back with one of zeros, which is another lattice.
-bool lacksCounters(const World& world) {
-  return std::any_of(world.entries.begin(), world.entries.end(),
-                     [](const auto& entry) { return !entry.second.count; });
 }
 
 // Whether a level above the largest size still holds sequences.

@@ -360,4 +360,9 @@ World randomWorld(std::uint32_t seed) {
   return World(options);
 }
 
+bool lacksCounters(const World& world) {
+  return std::any_of(world.entries.begin(), world.entries.end(),
+                     [](const auto& entry) { return !entry.second.count; });
+}
+
 }  // namespace orbseq::test

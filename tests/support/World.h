@@ -164,6 +164,10 @@ class World {
   SequenceDictionary dictionary;
 };
 
+// Whether an entry has no counter. Stored, it comes back with one of zeros, which is another
+// lattice.
+bool lacksCounters(const World& world);
+
 // A world whose options are drawn from the seed as well: a third of them closed and well-formed,
 // the others with everything that a lattice may lack.
 World randomWorld(std::uint32_t seed);

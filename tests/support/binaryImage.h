@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <fstream>
 #include <initializer_list>
 #include <memory>
 #include <sstream>
@@ -47,6 +48,13 @@ inline std::string counterBlock(std::int32_t count,
                                 std::initializer_list<std::int32_t> links = {}) {
   return std::string("SD\0", 3) + ints({count, 0, 0, static_cast<std::int32_t>(links.size() / 2)}) +
          ints(links) + ints({0});
+}
+
+inline std::string fileText(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::ostringstream text;
+  text << file.rdbuf();
+  return text.str();
 }
 
 // What a read did: the bytes or lines it told, what it printed, what it threw (by pointer).
