@@ -9,6 +9,7 @@
 #include <span>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "cli/ModelSummary.h"
 #include "cli/Progress.h"
@@ -307,6 +308,8 @@ CLI::App* addTrainCommand(CLI::App& program, TrainOptions& options) {
 ExitStatus runTrain(const TrainOptions& options) {
   const auto begin = std::chrono::steady_clock::now();
   const ModelForm form = formOf(options);
+  if (options.onePass && options.algorithm != "carma")
+    throw UsageError("--one-pass wants --algorithm carma");
   const TransactionLog log = readLog(options);
   const MinerOptions miner = minerOptionsOf(options, log.database.customers());
   Model model;

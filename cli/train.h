@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <limits>
 #include <string>
-#include <vector>
 
 #include "cli/exitStatus.h"
 
@@ -32,8 +31,6 @@ struct TrainOptions {
   std::int32_t maxItems = 31;
   std::int32_t maxSets = 31;
   std::int32_t maxItemsPerSet = 31;
-  std::vector<std::int32_t> include;
-  std::vector<std::int32_t> exclude;
   double minGap = 0.0;
   double maxGap = std::numeric_limits<double>::infinity();
   double maxSpan = std::numeric_limits<double>::infinity();

@@ -141,12 +141,14 @@ std::vector<std::int32_t> LogBuilder::lookItemsUp() const {
 
 void LogBuilder::addLabels(TransactionLog& log, const std::vector<std::int32_t>& numbers) const {
   for (const auto& [item, description] : descriptions_) {
+    std::string label = item;
+    label.append(" ").append(description);
     if (numbers.empty()) {
-      if (const auto integer = integerItemOf(item)) log.labels[*integer] = item + " " + description;
+      if (const auto integer = integerItemOf(item)) log.labels[*integer] = std::move(label);
       continue;
     }
     const auto known = textIndex_.find(item);
-    if (known != textIndex_.end()) log.labels[numbers[known->second]] = item + " " + description;
+    if (known != textIndex_.end()) log.labels[numbers[known->second]] = std::move(label);
   }
 }
 

@@ -1,11 +1,13 @@
 // Reads a log of what customers took, in any of its forms.
 //
-//   csv, tsv  a row an item, with a header; columns of customer, time and item, perhaps a
-//   description spmf      a customer a line: items separated by blanks, -1 behind each item set, -2
-//   at the end;
-//             <TIME> before a set; lines @ITEM=7=TEXT name items; lines that begin with # or % are
-//             left out
+//   csv, tsv  a row an item, with a header; columns of customer, time, item, perhaps a description
+//
+//   spmf      a customer a line: items separated by blanks, -1 behind each item set, -2 at the end;
+//             <TIME> before a set holds for it and those after it; @ITEM=7=TEXT names an item;
+//             lines that begin with # or % are left out
+//
 //   basket    a basket a line: customer, time, number of items, items
+//
 // Each may be compressed with gzip.
 //
 // Errors: InputError with file, row and column; FileError. With skipBadRows, so many rows whose

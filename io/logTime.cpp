@@ -69,7 +69,8 @@ std::optional<double> clockOf(Cursor& cursor) noexcept {
     seconds = *second + *fraction;
   }
   const double time = *hour * kHour + *minute * kMinute + seconds;
-  return time <= kDay + 1.0 ? std::optional(time) : std::nullopt;
+  const bool isPastMidnight = *hour == 24 && time > kDay;
+  return isPastMidnight ? std::nullopt : std::optional(time);
 }
 
 // Seconds of "Z", "+01", "+0100" or "+01:00"; 0 for nothing.
@@ -79,8 +80,8 @@ std::optional<double> offsetOf(Cursor& cursor) noexcept {
   if (!isEast && !cursor.take('-')) return std::nullopt;
   const auto hours = cursor.digits(2);
   if (!hours || *hours > 23) return std::nullopt;
-  cursor.take(':');
-  const auto minutes = cursor.atEnd() ? std::optional(0) : cursor.digits(2);
+  const bool wantsMinutes = cursor.take(':');
+  const auto minutes = cursor.atEnd() && !wantsMinutes ? std::optional(0) : cursor.digits(2);
   if (!minutes || *minutes > 59) return std::nullopt;
   const double offset = *hours * kHour + *minutes * kMinute;
   return isEast ? offset : -offset;
@@ -146,7 +147,8 @@ std::optional<Period> Period::of(std::string_view text) noexcept {
 
 double Period::beginOf(double time) const noexcept {
   if (length_ == 0.0) return monthOf(time);
-  return origin_ + std::floor((time - origin_) / length_) * length_;
+  const double begin = origin_ + std::floor((time - origin_) / length_) * length_;
+  return std::isfinite(begin) ? begin : time;  // a period too short for the clock
 }
 
 }  // namespace orbseq

@@ -5,7 +5,6 @@
 namespace orbseq {
 
 using OrbXML_830::ExportFormat;
-using OrbXML_830::XMLElement;
 
 GeneratedElements::GeneratedElements(Generator generate)
     : XMLElement(""), generate_(std::move(generate)) {}

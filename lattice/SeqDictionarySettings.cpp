@@ -30,11 +30,11 @@ std::string faultOf(const SeqDictionarySettings& settings) {
                : name + " " + std::to_string(size) + range + std::to_string(kMost);
   };
   for (std::size_t i = 0; i < settings.levelTableSize.size(); ++i) {
-    const std::string fault =
+    std::string fault =
         faultOfSize("table size of level " + std::to_string(i), settings.levelTableSize[i]);
     if (!fault.empty()) return fault;
   }
-  const std::string fault = faultOfSize("table size of upper levels", settings.upperTableSize);
+  std::string fault = faultOfSize("table size of upper levels", settings.upperTableSize);
   if (!fault.empty()) return fault;
   const std::int32_t levels = settings.numLevels;
   if (levels < 1 || levels > SeqDictionarySettings::kMaxStoredLevels)

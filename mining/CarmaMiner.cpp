@@ -17,7 +17,6 @@
 
 namespace orbseq {
 
-using SEQUENCE_NAMESPACE_800::HashtableSQPair;
 using SEQUENCE_NAMESPACE_800::ISQCPair;
 using SEQUENCE_NAMESPACE_800::NTSequence;
 using SEQUENCE_NAMESPACE_800::SequenceCounter;

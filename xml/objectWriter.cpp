@@ -74,6 +74,8 @@ int XMLObj::WriteSubElement(std::ostream& os, bool value) const {
   return 0;
 }
 
+// The published form takes the text by value.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 int StartRoot(std::ostream& os, std::string copyright) {
   return Write(os, std::string("<") + kRoot + " " + attribute("copyright", copyright) + ">");
 }

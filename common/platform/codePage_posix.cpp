@@ -6,6 +6,7 @@
 #include <array>
 #include <cerrno>
 #include <cstddef>
+#include <cstdint>
 
 #include "common/platform/codePage.h"
 
@@ -24,7 +25,8 @@ class Converter {
   Converter(const Converter&) = delete;
   Converter& operator=(const Converter&) = delete;
 
-  bool isOpen() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
+  // iconv_open answers -1 where it fails.
+  bool isOpen() const { return reinterpret_cast<std::intptr_t>(handle_) != -1; }
 
   // Appends what can be converted and moves `text` behind it; false when a byte stood in the way.
   bool convert(std::string_view& text, std::u16string& out) {
