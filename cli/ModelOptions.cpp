@@ -28,6 +28,21 @@ void addModelOptions(CLI::App& command, ModelOptions& options) {
       ->capture_default_str();
 }
 
+void addFormOption(CLI::App& command, std::string& to) {
+  command
+      .add_option("--to", to,
+                  "document, pmml, binary or objxml (default: told by the name of the output)")
+      ->check(CLI::IsMember({"document", "pmml", "binary", "objxml"}).description(""))
+      ->type_name("FORM");
+}
+
+ModelForm outputForm(const std::string& output, const std::string& to) {
+  const auto form = to.empty() ? modelFormOfFile(output) : modelFormOf(to);
+  if (form) return *form;
+  throw UsageError("--output: the name " + output +
+                   " does not tell the form; give --to document, pmml, binary or objxml");
+}
+
 Model readModel(const ModelOptions& options) {
   Model model = readModel(options.model, options.limits);
   if (interrupted()) throw Interrupted();

@@ -1,4 +1,5 @@
-// The options by which every command names the model that it reads.
+// The options by which the commands name the model that they read, and the form of one that they
+// write.
 
 #ifndef CLI_MODELOPTIONS_H_
 #define CLI_MODELOPTIONS_H_
@@ -7,6 +8,7 @@
 
 #include "host/DocumentLimits.h"
 #include "io/Model.h"
+#include "io/ModelForm.h"
 
 namespace CLI {
 class App;
@@ -24,6 +26,11 @@ void addModelOptions(CLI::App& command, ModelOptions& options);
 
 // Errors: as io/ModelFile.h.
 Model readModel(const ModelOptions& options);
+
+// The option --to of a command that writes a model, and the form that it and the output's name come
+// to. Throws UsageError when neither tells one.
+void addFormOption(CLI::App& command, std::string& to);
+ModelForm outputForm(const std::string& output, const std::string& to);
 
 }  // namespace orbseq
 

@@ -35,13 +35,6 @@ Examples:
 Exit status: 0 done, 1 wrong usage, 2 bad model, 3 files or memory, 4 a bug, 130 interrupted.
 The output is replaced as a whole: whatever happens, its name leads to the old file or to the new.)help";
 
-ModelForm formOf(const ConvertOptions& options) {
-  const auto form = options.to.empty() ? modelFormOfFile(options.output) : modelFormOf(options.to);
-  if (form) return *form;
-  throw UsageError("--output: the name " + options.output +
-                   " does not tell the form; give --to document, pmml, binary or objxml");
-}
-
 // Onto standard output, or open, which no file of ours is for scoring.
 void writeTo(const ConvertOptions& options, const Model& model, ModelForm form) {
   Output output(options.output);
@@ -64,11 +57,7 @@ CLI::App* addConvertCommand(CLI::App& program, ConvertOptions& options) {
                    "Where the model goes; the file is replaced as a whole; - is standard output")
       ->required()
       ->type_name("FILE");
-  command
-      ->add_option("--to", options.to,
-                   "document, pmml, binary or objxml (default: told by the name of the output)")
-      ->check(CLI::IsMember({"document", "pmml", "binary", "objxml"}).description(""))
-      ->type_name("FORM");
+  addFormOption(*command, options.to);
   command->add_flag("--open", options.open,
                     "With document: without the closing level and the labels");
   command->add_flag("-q,--quiet", options.quiet, "No summary");
@@ -77,7 +66,7 @@ CLI::App* addConvertCommand(CLI::App& program, ConvertOptions& options) {
 }
 
 ExitStatus runConvert(const ConvertOptions& options) {
-  const ModelForm form = formOf(options);
+  const ModelForm form = outputForm(options.output, options.to);
   if (options.open && form != ModelForm::kDocument) throw UsageError("--open is for --to document");
   const Model model = readModel(options.model);
   bool removedLabels = false;

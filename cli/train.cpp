@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "cli/ModelOptions.h"
 #include "cli/ModelSummary.h"
 #include "cli/Progress.h"
 #include "cli/messages.h"
@@ -161,13 +162,6 @@ LogOptions logOptionsOf(const TrainOptions& options) {
   return log;
 }
 
-ModelForm formOf(const TrainOptions& options) {
-  const auto form = options.to.empty() ? modelFormOfFile(options.output) : modelFormOf(options.to);
-  if (form) return *form;
-  throw UsageError("--output: the name " + options.output +
-                   " does not tell the form; give --to document, pmml, binary or objxml");
-}
-
 MinerOptions minerOptionsOf(const TrainOptions& options, std::size_t customers) {
   MinerOptions miner;
   const double least = options.minSupport < 1.0
@@ -295,11 +289,7 @@ CLI::App* addTrainCommand(CLI::App& program, TrainOptions& options) {
   command->add_option("-o,--output", options.output, "Where the model goes; replaced as a whole")
       ->required()
       ->type_name("FILE");
-  command
-      ->add_option("--to", options.to,
-                   "document, pmml, binary or objxml (default: told by the name of the output)")
-      ->check(CLI::IsMember({"document", "pmml", "binary", "objxml"}).description(""))
-      ->type_name("FORM");
+  addFormOption(*command, options.to);
   command->add_flag("-q,--quiet", options.quiet, "No progress bar and no summary");
   command->footer(kFooter);
   return command;
@@ -307,7 +297,7 @@ CLI::App* addTrainCommand(CLI::App& program, TrainOptions& options) {
 
 ExitStatus runTrain(const TrainOptions& options) {
   const auto begin = std::chrono::steady_clock::now();
-  const ModelForm form = formOf(options);
+  const ModelForm form = outputForm(options.output, options.to);
   if (options.onePass && options.algorithm != "carma")
     throw UsageError("--one-pass wants --algorithm carma");
   const TransactionLog log = readLog(options);
