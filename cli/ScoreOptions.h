@@ -6,14 +6,14 @@
 #include <cstdint>
 #include <string>
 
+#include "cli/LogInput.h"
 #include "cli/ModelOptions.h"
 
 namespace orbseq {
 
 struct ScoreOptions {
   ModelOptions model;
-  std::string input;                   // path of the histories; "-": standard input
-  std::string inputFormat;             // csv or jsonl; empty: told by the input's name
+  LogInput log;                        // the histories
   std::string returnType = "current";  // current or future
   std::int32_t maxReturn = 20;         // most answers a customer; 0 or more
   bool allPrefixes = false;            // future items: shorter beginnings are searched as well

@@ -17,6 +17,7 @@
 #include "host/PluginLoader.h"
 #include "host/SafeDocument.h"
 #include "io/HistoryReader.h"
+#include "io/ItemNames.h"
 #include "io/ModelFile.h"
 #include "io/modelLabels.h"
 #include "io/process.h"
@@ -28,10 +29,8 @@ namespace {
 const char* const kModuleFile = "liborbseq.so";
 
 const char* const kFooter =
-    R"help(Histories are CSV with the columns customer and history, or JSON lines:
-  customer,history                     {"customer": "17", "history": "(1 2)(3)"}
-  17,(1 2)(3)                          {"customer": 17, "history": [[1, 2], [3]]}
-A history lists item sets, oldest first; an empty one asks for what most customers take.
+    R"help(An empty history asks for what most customers take. Items of logs and baskets are looked up in the
+model's labels: a label, its first word, or the item's number; others are counted and left out.
 
 Answers have the columns customer, rank, item, label, confidence, support, cause:
   confidence   of the customers with the history found, the share that took the item: 0 to 1
@@ -41,6 +40,7 @@ Answers have the columns customer, rank, item, label, confidence, support, cause
 Examples:
   orbseq score --model lattice.xml --input customers.csv
   orbseq score --model lattice.xml --input customers.csv --return future --max-return 5
+  orbseq score --model model.bin --input log.csv.gz --basket day --return future
   cat day.jsonl | orbseq score --model lattice.xml --input - --input-format jsonl --format jsonl
   orbseq score --model lattice.xml --input customers.csv --format csv --output answers.csv
 
@@ -49,15 +49,8 @@ Exit status: 0 done, 1 wrong usage, 2 bad input data, 3 files, plug-in or memory
 
 void addInputOptions(CLI::App& command, ScoreOptions& options) {
   addModelOptions(command, options.model);
-  command.add_option("-i,--input", options.input, "Customers' histories; - is standard input")
-      ->required()
-      ->type_name("FILE");
-  command
-      .add_option("--input-format", options.inputFormat,
-                  "csv or jsonl (default: told by the name: .csv, .jsonl, .ndjson; standard input "
-                  "is csv)")
-      ->check(CLI::IsMember({"csv", "jsonl"}).description(""))
-      ->type_name("FORMAT");
+  addLogInput(command, options.log, "Customers' histories, or a log of what they took", false)
+      ->required();
   command
       .add_option("--module", options.module,
                   std::string("Scoring plug-in (default: ") + kModuleFile + " beside the program)")
@@ -91,14 +84,6 @@ void addAnswerOptions(CLI::App& command, ScoreOptions& options) {
   command.add_flag("-q,--quiet", options.quiet, "No progress bar and no summary");
   command.add_flag("--dry-run", options.dryRun,
                    "Read model and histories, score nothing, write no answers");
-}
-
-HistoryFormat formatOfInput(const ScoreOptions& options) {
-  if (options.inputFormat == "csv") return HistoryFormat::kCsv;
-  if (options.inputFormat == "jsonl") return HistoryFormat::kJsonLines;
-  if (const auto format = historyFormatOf(options.input)) return *format;
-  throw UsageError("--input: the name " + options.input +
-                   " does not tell the format; give --input-format csv or jsonl");
 }
 
 // What scores, and how its items are called.
@@ -163,7 +148,10 @@ void warnIfNone(std::size_t customers, const HistoryReader& reader) {
 ExitStatus runDry(HistoryReader& reader, Scorer& scorer, const ScoreOptions& options) {
   const std::size_t customers = forEachHistory(
       reader, options, [&](const CustomerHistory& history) { scorer.prepare(history); });
-  if (!options.quiet) warnIfNone(customers, reader);
+  if (!options.quiet) {
+    warnIfNone(customers, reader);
+    warnOfOmissions(reader.badRows(), reader.unknown());
+  }
   printMessage("dry run: " + counted(customers, "customer", "customers") + " read, nothing scored");
   return ExitStatus::kDone;
 }
@@ -175,15 +163,18 @@ CLI::App* addScoreCommand(CLI::App& program, ScoreOptions& options) {
       "score", "Answer, for each customer's history, which items come next or complete it");
   addInputOptions(*command, options);
   addAnswerOptions(*command, options);
-  command->footer(kFooter);
+  command->footer(std::string(kLogForms) + "\n\n" + kFooter);
   return command;
 }
 
 ExitStatus runScore(const ScoreOptions& options) {
-  if (options.model.model == "-" && options.input == "-")
+  if (options.model.model == "-" && options.log.path == "-")
     throw UsageError("--model and --input cannot both be standard input");
-  HistoryReader reader(options.input, formatOfInput(options));
+  LogOptions logOptions = logOptionsOf(options.log);
   const ScoringModel loaded = loadModel(options);
+  const ItemNames names(loaded.labels);
+  logOptions.builder.known = &names;
+  HistoryReader reader(options.log.path, logOptions);
   Scorer scorer(loaded.model, options);
   if (options.dryRun) return runDry(reader, scorer, options);
 
@@ -203,6 +194,7 @@ ExitStatus runScore(const ScoreOptions& options) {
 
   if (options.quiet) return ExitStatus::kDone;
   warnIfNone(customers, reader);
+  warnOfOmissions(reader.badRows(), reader.unknown());
   printMessage(counted(customers, "customer", "customers") + ", " +
                counted(answerCount, "answer", "answers"));
   return ExitStatus::kDone;

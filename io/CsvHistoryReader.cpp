@@ -1,11 +1,15 @@
 #include "io/CsvHistoryReader.h"
 
+#include <utility>
+
+#include "io/LogReader.h"
+
 namespace orbseq {
 
-CsvHistoryReader::CsvHistoryReader(const std::string& path, const CsvLimits& limits)
-    : csv_(path, limits),
-      customer_(csv_.columnOf("customer")),
-      history_(csv_.columnOf("history")) {}
+CsvHistoryReader::CsvHistoryReader(CsvReader rows, const std::string& customerColumn)
+    : csv_(std::move(rows)),
+      customer_(csv_.columnOf(customerColumn)),
+      history_(csv_.columnOf(kHistoryColumn)) {}
 
 bool CsvHistoryReader::next(CustomerHistory& out) {
   if (!csv_.next()) return false;

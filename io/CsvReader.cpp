@@ -10,7 +10,7 @@
 #include "common/utf8.h"
 #include "io/IoError.h"
 #include "io/TextSource.h"
-#include "scoring/hostapi/QuErrorFormater.h"
+#include "io/columnIndex.h"
 
 namespace orbseq {
 
@@ -175,18 +175,7 @@ CsvReader& CsvReader::operator=(CsvReader&&) noexcept = default;
 const std::vector<std::string>& CsvReader::columns() const noexcept { return columns_; }
 
 std::size_t CsvReader::columnOf(std::string_view name) const {
-  constexpr std::size_t kListed = 16;  // names that an error tells
-  const auto first = std::find(columns_.begin(), columns_.end(), name);
-  const auto found = std::count(first, columns_.end(), name);
-  if (found == 1) return static_cast<std::size_t>(first - columns_.begin());
-
-  std::string list;
-  for (std::size_t i = 0; i < std::min(columns_.size(), kListed); ++i)
-    list += (i == 0 ? "" : ", ") + OrbScore::QuErrorFormater::Quote(columns_[i]);
-  if (columns_.size() > kListed) list += ", ...";
-  throw InputError(this->name(), parser_->row(),
-                   (found == 0 ? "no column " : "more than one column ") +
-                       OrbScore::QuErrorFormater::Quote(name) + "; the columns are " + list);
+  return columnIndex(columns_, name, this->name(), parser_->row());
 }
 
 bool CsvReader::next() {

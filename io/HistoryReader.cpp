@@ -1,14 +1,21 @@
 #include "io/HistoryReader.h"
 
+#include <utility>
+
 namespace orbseq {
 
-HistoryReader::Reader HistoryReader::open(const std::string& path, HistoryFormat format) {
-  if (format == HistoryFormat::kJsonLines) return JsonHistoryReader(path);
-  return CsvHistoryReader(path);
+HistoryReader::Reader HistoryReader::open(const std::string& path, const LogOptions& options) {
+  if (options.format == LogFormat::kJsonLines) return JsonHistoryReader(path, options.builder);
+  if (options.format != LogFormat::kCsv && options.format != LogFormat::kTsv)
+    return LogHistoryReader(readLog(path, options), path == "-" ? "standard input" : path);
+  CsvReader rows = openRows(path, options.format);
+  if (hasHistories(rows, options)) return CsvHistoryReader(std::move(rows), options.customer);
+  std::string name = rows.name();
+  return LogHistoryReader(readLog(std::move(rows), options), std::move(name));
 }
 
-HistoryReader::HistoryReader(const std::string& path, HistoryFormat format)
-    : reader_(open(path, format)) {}
+HistoryReader::HistoryReader(const std::string& path, const LogOptions& options)
+    : reader_(open(path, options)) {}
 
 bool HistoryReader::next(CustomerHistory& out) {
   return std::visit([&out](auto& reader) { return reader.next(out); }, reader_);
@@ -25,6 +32,15 @@ std::uintmax_t HistoryReader::bytesRead() const noexcept {
 
 std::optional<std::uintmax_t> HistoryReader::size() const noexcept {
   return std::visit([](const auto& reader) { return reader.size(); }, reader_);
+}
+
+const UnknownItems& HistoryReader::unknown() const noexcept {
+  return std::visit([](const auto& reader) -> const UnknownItems& { return reader.unknown(); },
+                    reader_);
+}
+
+std::size_t HistoryReader::badRows() const noexcept {
+  return std::visit([](const auto& reader) { return reader.badRows(); }, reader_);
 }
 
 }  // namespace orbseq

@@ -1,17 +1,8 @@
-// Histories from JSON lines: one object a line, such as
+// Histories from JSON lines (io/JsonRecord.h), a customer a line. The items of baskets are looked
+// up in a model's names; baskets with times are put in their order.
 //
-//   {"customer": "17", "history": "(1 2)(3)"}
-//   {"customer": 17, "history": [[1, 2], [3]]}
-//
-// The customer is text or a number, whose digits become the text. The history is text, or an array
-// of arrays of item numbers (-2147483648..2147483647), which becomes the text form; a negative
-// item is written as the unsigned number of the same 32 bits, which the text form reads back as
-// that item. Further members are ignored. Blank lines are skipped. The file is UTF-8.
-//
-// Memory: one line, at most 16 MiB, and what it holds; nothing is built for ignored members.
-// Threads: one at a time on one reader.
-// Errors: InputError "FILE:LINE: byte 14: ..." for what is not JSON, with the byte of the line, and
-//         "FILE:LINE: ..." for a member that is missing, doubled or of the wrong kind; FileError.
+// Memory: one line, at most 16 MiB, and what it holds.
+// Threads: one at a time on one reader. Errors: as io/JsonRecord.h; FileError.
 
 #ifndef IO_JSONHISTORYREADER_H_
 #define IO_JSONHISTORYREADER_H_
@@ -22,16 +13,19 @@
 #include <string>
 
 #include "io/CustomerHistory.h"
+#include "io/JsonRecord.h"
 #include "io/LineReader.h"
+#include "io/LogBuilder.h"
 
 namespace orbseq {
 
 class JsonHistoryReader {
  public:
   static constexpr std::size_t kLineBytes = std::size_t{1} << 24U;  // most bytes of a line
-  static constexpr int kDepth = 64;  // most objects and arrays inside one another
 
-  explicit JsonHistoryReader(const std::string& path, std::size_t lineBytes = kLineBytes);
+  // Of the options, the names (null: items are numbers) and the period are looked at.
+  explicit JsonHistoryReader(const std::string& path, const LogBuilder::Options& options = {},
+                             std::size_t lineBytes = kLineBytes);
 
   // Overwrites `out` with the next history; false, and `out` as it was, at the end.
   bool next(CustomerHistory& out);
@@ -39,9 +33,16 @@ class JsonHistoryReader {
   const std::string& name() const noexcept { return lines_.source().name(); }
   std::uintmax_t bytesRead() const noexcept { return lines_.source().bytesRead(); }
   std::optional<std::uintmax_t> size() const noexcept { return lines_.source().size(); }
+  const UnknownItems& unknown() const noexcept { return unknown_; }
+  std::size_t badRows() const noexcept { return 0; }
 
  private:
+  std::string historyOf(const JsonRecord& record);
+
   LineReader lines_;
+  LogBuilder::Options options_;
+  JsonRecord record_;
+  UnknownItems unknown_;
 };
 
 }  // namespace orbseq

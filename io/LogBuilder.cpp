@@ -1,10 +1,8 @@
 #include "io/LogBuilder.h"
 
 #include <algorithm>
-#include <charconv>
 #include <limits>
 #include <stdexcept>
-#include <system_error>
 #include <tuple>
 #include <utility>
 
@@ -12,29 +10,9 @@ namespace orbseq {
 
 namespace {
 
+// A text that names no item, and the row of a basket without one.
 constexpr std::int32_t kUnknown = std::numeric_limits<std::int32_t>::min();
-
-// 0 .. 2147483647 without leading zeros.
-std::optional<std::int32_t> integerItemOf(std::string_view text) noexcept {
-  if (text.empty() || (text.size() > 1 && text.front() == '0')) return std::nullopt;
-  std::int32_t value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  const bool isItem =
-      error == std::errc() && end == text.data() + text.size() && text.front() != '-';
-  return isItem ? std::optional(value) : std::nullopt;
-}
-
-// Items by their labels and by the labels' first words; a word of several labels is no name.
-std::unordered_map<std::string, std::int32_t> namesOf(const ItemLabelMap& labels) {
-  std::unordered_map<std::string, std::int32_t> names;
-  for (const auto& [item, label] : labels) {
-    const std::string word = label.substr(0, label.find(' '));
-    const auto [entry, isNew] = names.emplace(word, item);
-    if (!isNew && entry->second != item) entry->second = kUnknown;
-  }
-  for (const auto& [item, label] : labels) names[label] = item;
-  return names;
-}
+constexpr std::int64_t kNoItem = std::numeric_limits<std::int64_t>::min();
 
 }  // namespace
 
@@ -59,23 +37,24 @@ std::int64_t LogBuilder::textCodeOf(std::string_view item) {
   return -1 - std::int64_t{index};
 }
 
-std::optional<std::int64_t> LogBuilder::codeOf(std::string_view item) {
-  if (options_.known != nullptr) return textCodeOf(item);
-  if (options_.items != ItemKind::kText) {
-    if (const auto integer = integerItemOf(item)) return *integer;
-    if (options_.items == ItemKind::kInteger) return std::nullopt;
-  }
+bool LogBuilder::accepts(std::string_view item) const noexcept {
+  return options_.known != nullptr || options_.items != ItemKind::kInteger ||
+         ItemNames::numberOf(item).has_value();
+}
+
+std::int64_t LogBuilder::codeOf(std::string_view item) {
+  if (options_.known == nullptr && options_.items != ItemKind::kText)
+    if (const auto number = ItemNames::numberOf(item)) return *number;
   return textCodeOf(item);
 }
 
-bool LogBuilder::addRow(std::string_view customer, double time, std::string_view item) {
-  const auto code = codeOf(item);
-  if (!code) return false;
+void LogBuilder::addRow(std::string_view customer, double time, std::string_view item) {
   // Rows of one customer stand together as a rule.
   if (rows_.empty() || customers_[rows_.back().customer] != customer)
     customer_ = customerOf(customer);
-  rows_.push_back({customer_, 0, time, *code});
-  return true;
+  else
+    customer_ = rows_.back().customer;
+  rows_.push_back({customer_, 0, time, codeOf(item)});
 }
 
 void LogBuilder::describe(std::string_view item, std::string_view description) {
@@ -83,17 +62,20 @@ void LogBuilder::describe(std::string_view item, std::string_view description) {
   descriptions_.emplace(item, description);
 }
 
-void LogBuilder::beginCustomer(std::string_view customer) { customer_ = customerOf(customer); }
+bool LogBuilder::beginCustomer(std::string_view customer) {
+  const std::size_t before = customers_.size();
+  customer_ = customerOf(customer);
+  return customers_.size() > before;
+}
 
 void LogBuilder::beginBasket(double time) {
   ++basket_;
   time_ = time;
+  if (options_.known != nullptr) rows_.push_back({customer_, basket_, time_, kNoItem});
 }
 
-bool LogBuilder::addItem(std::string_view item) {
-  const auto code = codeOf(item);
-  if (code) rows_.push_back({customer_, basket_, time_, *code});
-  return code.has_value();
+void LogBuilder::addItem(std::string_view item) {
+  rows_.push_back({customer_, basket_, time_, codeOf(item)});
 }
 
 void LogBuilder::addItem(std::int32_t item) { rows_.push_back({customer_, basket_, time_, item}); }
@@ -111,7 +93,7 @@ void LogBuilder::order() {
 
 // The number of each text, once integers have become texts as well where there is any text.
 std::vector<std::int32_t> LogBuilder::numberItems(TransactionLog& log) {
-  if (!hasText_) return {};
+  if (!hasText_ && options_.items != ItemKind::kText) return {};
   for (Row& row : rows_)
     if (row.code >= 0) row.code = textCodeOf(std::to_string(row.code));
   std::vector<std::uint32_t> byText(texts_.size());
@@ -127,16 +109,15 @@ std::vector<std::int32_t> LogBuilder::numberItems(TransactionLog& log) {
 }
 
 std::vector<std::int32_t> LogBuilder::lookItemsUp() const {
-  const auto names = namesOf(*options_.known);
   std::vector<std::int32_t> numbers(texts_.size(), kUnknown);
-  for (std::size_t i = 0; i < texts_.size(); ++i) {
-    const auto name = names.find(texts_[i]);
-    if (name != names.end() && name->second != kUnknown)
-      numbers[i] = name->second;
-    else if (const auto integer = integerItemOf(texts_[i]))
-      numbers[i] = *integer;
-  }
+  for (std::size_t i = 0; i < texts_.size(); ++i)
+    numbers[i] = options_.known->find(texts_[i]).value_or(kUnknown);
   return numbers;
+}
+
+void LogBuilder::countUnknown(TransactionLog& log, std::int64_t code) const {
+  const std::string& text = texts_[static_cast<std::size_t>(-1 - code)];
+  log.unknown.count(text);
 }
 
 void LogBuilder::addLabels(TransactionLog& log, const std::vector<std::int32_t>& numbers) const {
@@ -144,7 +125,7 @@ void LogBuilder::addLabels(TransactionLog& log, const std::vector<std::int32_t>&
     std::string label = item;
     label.append(" ").append(description);
     if (numbers.empty()) {
-      if (const auto integer = integerItemOf(item)) log.labels[*integer] = std::move(label);
+      if (const auto integer = ItemNames::numberOf(item)) log.labels[*integer] = std::move(label);
       continue;
     }
     const auto known = textIndex_.find(item);
@@ -154,6 +135,7 @@ void LogBuilder::addLabels(TransactionLog& log, const std::vector<std::int32_t>&
 
 void LogBuilder::fill(TransactionLog& log, const std::vector<std::int32_t>& numbers) const {
   constexpr std::uint32_t kNobody = std::numeric_limits<std::uint32_t>::max();
+  if (options_.known != nullptr) log.database.keepEmptySets();
   std::uint32_t customer = kNobody;
   std::uint32_t basket = 0;
   double time = 0.0;
@@ -171,10 +153,11 @@ void LogBuilder::fill(TransactionLog& log, const std::vector<std::int32_t>& numb
     if (!isSameCustomer || !isSameBasket) log.database.beginSet(row.time);
     basket = row.basket;
     time = row.time;
+    if (row.code == kNoItem) continue;
     const std::int32_t item = row.code >= 0 ? static_cast<std::int32_t>(row.code)
                                             : numbers[static_cast<std::size_t>(-1 - row.code)];
     if (item == kUnknown)
-      ++log.unknownItems;
+      countUnknown(log, row.code);
     else
       log.database.addItem(item);
   }

@@ -4,9 +4,9 @@
 // one is given. Baskets that come as such stay apart, whatever their times, unless a period is
 // given.
 //
-// With labels given, items are looked up instead of numbered: an item's text is its label, the
-// label's first word where that is no other's, or else its number. Other texts are counted and left
-// out.
+// With names given, items are looked up in a model instead of numbered (io/ItemNames.h). Other
+// texts are counted and left out; a basket that holds nothing else stays, without items, so that a
+// history is answered as one whose items have numbers that the model does not know.
 //
 // Memory: 24 bytes an item occurrence, and each different text once.
 // Threads: one at a time.
@@ -16,13 +16,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
+#include "io/ItemNames.h"
+#include "io/TextMap.h"
 #include "io/TransactionLog.h"
 #include "io/logTime.h"
 
@@ -35,20 +35,23 @@ class LogBuilder {
   struct Options {
     ItemKind items = ItemKind::kAuto;
     std::optional<Period> basket;
-    const ItemLabelMap* known = nullptr;  // look items up in these labels; null: number them
+    const ItemNames* known = nullptr;  // look items up; null: number them
   };
 
   explicit LogBuilder(const Options& options) : options_(options) {}
 
-  // A row of a long log. With ItemKind::kInteger, false for an item that is no such integer.
-  bool addRow(std::string_view customer, double time, std::string_view item);
+  // Whether the text can be an item: with ItemKind::kInteger, an integer alone.
+  bool accepts(std::string_view item) const noexcept;
+
+  // A row of a long log. Requires that the item is accepted.
+  void addRow(std::string_view customer, double time, std::string_view item);
   // A description of an item; the first one stands.
   void describe(std::string_view item, std::string_view description);
 
-  // A customer with baskets. A customer that came before goes on.
-  void beginCustomer(std::string_view customer);
+  // A customer with baskets. A customer that came before goes on; answers whether it is new.
+  bool beginCustomer(std::string_view customer);
   void beginBasket(double time);
-  bool addItem(std::string_view item);
+  void addItem(std::string_view item);  // requires that it is accepted
   void addItem(std::int32_t item);
 
   // The log so far; the builder is used up.
@@ -59,32 +62,26 @@ class LogBuilder {
     std::uint32_t customer;
     std::uint32_t basket;  // number of a basket that came as such; 0: by time
     double time;
-    std::int64_t code;  // an integer item, or -1 - the index of a text
+    std::int64_t code;  // an integer item, -1 - the index of a text, or kNoItem
   };
-  struct Hash {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view text) const noexcept {
-      return std::hash<std::string_view>()(text);
-    }
-  };
-  using Index = std::unordered_map<std::string, std::uint32_t, Hash, std::equal_to<>>;
 
   std::uint32_t customerOf(std::string_view name);
-  std::optional<std::int64_t> codeOf(std::string_view item);
+  std::int64_t codeOf(std::string_view item);
   std::int64_t textCodeOf(std::string_view item);
   void order();
   std::vector<std::int32_t> numberItems(TransactionLog& log);
   std::vector<std::int32_t> lookItemsUp() const;
+  void countUnknown(TransactionLog& log, std::int64_t code) const;
   void addLabels(TransactionLog& log, const std::vector<std::int32_t>& numbers) const;
   void fill(TransactionLog& log, const std::vector<std::int32_t>& numbers) const;
 
   Options options_;
   std::vector<Row> rows_;
   std::vector<std::string> customers_;
-  Index customerIndex_;
+  TextMap<std::uint32_t> customerIndex_;
   std::vector<std::string> texts_;
-  Index textIndex_;
-  std::unordered_map<std::string, std::string, Hash, std::equal_to<>> descriptions_;
+  TextMap<std::uint32_t> textIndex_;
+  TextMap<std::string> descriptions_;
   std::uint32_t customer_ = 0;  // of the baskets that come
   std::uint32_t basket_ = 0;
   double time_ = 0.0;

@@ -1,6 +1,13 @@
 // Reads a log of what customers took, in any of its forms.
 //
-//   csv, tsv  a row an item, with a header; columns of customer, time, item, perhaps a description
+//   csv, tsv  a row an item, with a header; columns of customer, time, item, perhaps a description.
+//             With a column "history" and none of the item: a row a customer, whose history is text
+//             (io/historyText.h)
+//
+//   sqlite    a database, opened to be read alone; what the query answers is a row an item, with
+//             columns as in csv
+//
+//   jsonl     an object a line (io/JsonRecord.h)
 //
 //   spmf      a customer a line: items separated by blanks, -1 behind each item set, -2 at the end;
 //             <TIME> before a set holds for it and those after it; @ITEM=7=TEXT names an item;
@@ -8,7 +15,9 @@
 //
 //   basket    a basket a line: customer, time, number of items, items
 //
-// Each may be compressed with gzip.
+// Each may be compressed with gzip. Items in text histories, arrays of numbers and spmf are
+// numbers; all others are texts, which a log without a model numbers, and which a model's names
+// look up (io/LogBuilder.h).
 //
 // Errors: InputError with file, row and column; FileError. With skipBadRows, so many rows whose
 // customer, time or item is bad are left out and counted; other faults of form are always errors.
@@ -24,16 +33,14 @@
 #include <string>
 
 #include "io/LogBuilder.h"
+#include "io/LogFormat.h"
 #include "io/TransactionLog.h"
 
 namespace orbseq {
 
-enum class LogFormat { kCsv, kTsv, kSpmf, kBasket };
+class CsvReader;
 
-// By the end of the name, .gz aside: .csv, .tsv, .spmf, .basket; nothing for any other.
-std::optional<LogFormat> logFormatOf(const std::string& path);
-// "csv", "tsv", "spmf", "basket".
-std::optional<LogFormat> logFormatNamed(const std::string& name);
+constexpr const char* kHistoryColumn = "history";
 
 struct LogOptions {
   LogFormat format = LogFormat::kCsv;
@@ -41,6 +48,7 @@ struct LogOptions {
   std::string time = "time";
   std::string item = "item";
   std::string label;  // of descriptions; empty: there are none
+  std::string query;  // of sqlite: one statement that reads
   LogBuilder::Options builder;
   std::size_t skipBadRows = 0;
 
@@ -52,6 +60,12 @@ struct LogOptions {
 
 // `path` "-" is standard input.
 TransactionLog readLog(const std::string& path, const LogOptions& options);
+
+// The same in steps, for those who want to see the header first: csv or tsv, opened; whether its
+// rows are histories (InputError when it has neither those nor items); and the log in it.
+CsvReader openRows(const std::string& path, LogFormat format);
+bool hasHistories(const CsvReader& rows, const LogOptions& options);
+TransactionLog readLog(CsvReader rows, const LogOptions& options);
 
 }  // namespace orbseq
 

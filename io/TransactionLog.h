@@ -8,6 +8,7 @@
 #ifndef IO_TRANSACTIONLOG_H_
 #define IO_TRANSACTIONLOG_H_
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -17,13 +18,33 @@
 
 namespace orbseq {
 
+// Item occurrences that name no item of a given model.
+struct UnknownItems {
+  static constexpr std::size_t kMostExamples = 3;
+
+  std::size_t occurrences = 0;
+  std::vector<std::string> examples;  // the first different texts
+
+  void count(const std::string& text) {
+    ++occurrences;
+    if (examples.size() < kMostExamples &&
+        std::find(examples.begin(), examples.end(), text) == examples.end())
+      examples.push_back(text);
+  }
+  void add(const UnknownItems& others) {
+    const std::size_t before = occurrences;
+    for (const std::string& text : others.examples) count(text);
+    occurrences = before + others.occurrences;
+  }
+};
+
 struct TransactionLog {
   SequenceDatabase database;
   std::vector<std::string> customers;  // [database.customers()] as the log calls them
   ItemLabelMap labels;                 // the items' texts, and descriptions where there are any
   std::size_t rows = 0;                // rows, lines or objects that were read
   std::size_t badRows = 0;             // of them, those that were skipped
-  std::size_t unknownItems = 0;        // occurrences of items that a given model does not know
+  UnknownItems unknown;                // where items were looked up
 };
 
 }  // namespace orbseq

@@ -21,7 +21,7 @@ void SequenceDatabase::finish() {
   isInCustomer_ = false;
 }
 
-// Sorts the open set, and drops it when it is empty.
+// Sorts the open set, and drops it when it is empty and not to be kept.
 void SequenceDatabase::endSet() {
   if (!isInSet_) return;
   isInSet_ = false;
@@ -29,7 +29,7 @@ void SequenceDatabase::endSet() {
       items_.begin() + static_cast<std::ptrdiff_t>(setEnds_.empty() ? 0 : setEnds_.back());
   if (!std::is_sorted(begin, items_.end())) std::sort(begin, items_.end());
   items_.erase(std::unique(begin, items_.end()), items_.end());
-  if (items_.size() == (setEnds_.empty() ? 0 : setEnds_.back()))
+  if (!keepsEmptySets_ && items_.size() == (setEnds_.empty() ? 0 : setEnds_.back()))
     times_.pop_back();
   else
     setEnds_.push_back(items_.size());

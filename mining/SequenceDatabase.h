@@ -7,7 +7,8 @@
 // any order, and so on; finish() closes the last one. Then it is only read.
 //
 // Times have the unit of the log and must not fall within a customer; sets of equal time are
-// allowed. Sets without items are left out.
+// allowed. Sets without items are left out, unless they are to be kept, which mining has no use
+// for.
 //
 // Threads: as std::vector - any number of readers, or one writer.
 
@@ -30,6 +31,8 @@ class SequenceDatabase {
   void beginSet(double time);
   void addItem(std::int32_t item) { items_.push_back(item); }
   void finish();
+  // Sets without items stay from now on.
+  void keepEmptySets() noexcept { keepsEmptySets_ = true; }
 
   std::size_t customers() const noexcept { return customerEnds_.size(); }
   std::size_t sets() const noexcept { return setEnds_.size(); }
@@ -56,6 +59,7 @@ class SequenceDatabase {
   std::vector<std::size_t> customerEnds_;  // [customers] one past a customer's last set
   bool isInSet_ = false;
   bool isInCustomer_ = false;
+  bool keepsEmptySets_ = false;
 };
 
 }  // namespace orbseq

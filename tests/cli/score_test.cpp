@@ -281,9 +281,11 @@ TEST(Score, AMissingColumnIsBadInput) {
   const Outcome outcome = score("customer,items\n17,(1)\n");
 
   EXPECT_EQ(outcome.status, 2);
-  EXPECT_EQ(outcome.error,
-            "orbseq: standard input:1: no column \"history\"; the columns are \"customer\", "
-            "\"items\"\n");
+  EXPECT_EQ(
+      outcome.error,
+      "orbseq: standard input:1: neither a column \"item\" nor a column \"history\"; the columns "
+      "are \"customer\", "
+      "\"items\"\n");
 }
 
 TEST(Score, BrokenJsonIsBadInput) {
@@ -362,8 +364,8 @@ TEST(Score, AnUnknownCommandIsNamed) {
 
 TEST(Score, AnInputWhoseNameTellsNothingAsksForTheFormat) {
   EXPECT_EQ(run({"score", "--model", kModel, "--input", "a.txt"}).error,
-            "orbseq: --input: the name a.txt does not tell the format; give --input-format csv or "
-            "jsonl\n");
+            "orbseq: --input: the name a.txt does not tell the format; give --input-format csv, "
+            "tsv, spmf, basket, jsonl, sqlite\n");
 }
 
 }  // namespace

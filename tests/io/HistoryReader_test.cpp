@@ -13,10 +13,12 @@
 namespace {
 
 using orbseq::CustomerHistory;
-using orbseq::HistoryFormat;
-using orbseq::historyFormatOf;
 using orbseq::HistoryReader;
 using orbseq::InputError;
+using orbseq::ItemLabelMap;
+using orbseq::ItemNames;
+using orbseq::LogFormat;
+using orbseq::LogOptions;
 using orbseq::test::errorOf;
 using orbseq::test::TempFolder;
 using testing::ElementsAre;
@@ -24,10 +26,11 @@ using testing::EndsWith;
 using testing::IsEmpty;
 
 // Each history as "row|customer|history".
-std::vector<std::string> histories(std::string_view content,
-                                   HistoryFormat format = HistoryFormat::kCsv) {
+std::vector<std::string> histories(std::string_view content, LogFormat format = LogFormat::kCsv) {
   const TempFolder folder;
-  HistoryReader reader(folder.file("f", content), format);
+  LogOptions options;
+  options.format = format;
+  HistoryReader reader(folder.file("f", content), options);
   std::vector<std::string> found;
   CustomerHistory history;
   while (reader.next(history))
@@ -50,7 +53,8 @@ TEST(HistoryReader, TheColumnsStandInAnyOrderAmongOthers) {
 
 TEST(HistoryReader, AMissingColumnIsRefusedWithTheColumnsFound) {
   EXPECT_THAT(inputError("customer,items\n"),
-              EndsWith("f:1: no column \"history\"; the columns are \"customer\", \"items\""));
+              EndsWith("f:1: neither a column \"item\" nor a column \"history\"; the columns are "
+                       "\"customer\", \"items\""));
 }
 
 TEST(HistoryReader, AColumnNameOfOtherCaseIsRefused) {
@@ -70,13 +74,13 @@ TEST(HistoryReader, AHeaderAloneHasNoHistories) {
 
 TEST(HistoryReader, JsonLinesAreReadThroughTheSameInterface) {
   EXPECT_THAT(
-      histories("{\"customer\": \"17\", \"history\": \"(1 2)(3)\"}\n", HistoryFormat::kJsonLines),
+      histories("{\"customer\": \"17\", \"history\": \"(1 2)(3)\"}\n", LogFormat::kJsonLines),
       ElementsAre("1|17|(1 2)(3)"));
 }
 
 TEST(HistoryReader, NameSizeAndBytesReadAreThoseOfTheFile) {
   const TempFolder folder;
-  HistoryReader reader(folder.file("f.csv", "customer,history\n17,(1)\n"), HistoryFormat::kCsv);
+  HistoryReader reader(folder.file("f.csv", "customer,history\n17,(1)\n"), LogOptions());
   CustomerHistory history;
   while (reader.next(history)) continue;
 
@@ -85,19 +89,88 @@ TEST(HistoryReader, NameSizeAndBytesReadAreThoseOfTheFile) {
   EXPECT_EQ(reader.bytesRead(), 24U);
 }
 
-TEST(HistoryFormat, TheNameTellsTheFormat) {
-  EXPECT_EQ(historyFormatOf("a/b.csv"), HistoryFormat::kCsv);
-  EXPECT_EQ(historyFormatOf("A.CSV"), HistoryFormat::kCsv);
-  EXPECT_EQ(historyFormatOf("b.jsonl"), HistoryFormat::kJsonLines);
-  EXPECT_EQ(historyFormatOf("b.ndjson"), HistoryFormat::kJsonLines);
+// What every form makes of the same purchases: tea and milk, then an item that the model does not
+// know, then bread.
+class HistoryForms : public testing::Test {
+ protected:
+  std::vector<std::string> read(LogFormat format, std::string_view content) {
+    LogOptions options;
+    options.format = format;
+    options.builder.known = &names_;
+    HistoryReader reader(folder_.file("f", content), options);
+    std::vector<std::string> found;
+    CustomerHistory history;
+    while (reader.next(history)) found.push_back(history.customer + "|" + history.history);
+    unknown_ = reader.unknown().occurrences;
+    examples_ = reader.unknown().examples;
+    return found;
+  }
+
+  const TempFolder folder_;
+  const ItemNames names_{ItemLabelMap{{3, "tea green"}, {5, "milk"}, {9, "bread white"}}};
+  std::size_t unknown_ = 0;
+  std::vector<std::string> examples_;
+};
+
+TEST_F(HistoryForms, ALongLogIsGroupedAndItsItemsAreLookedUp) {
+  EXPECT_THAT(read(LogFormat::kCsv,
+                   "customer,time,item\n7,3,bread\n7,1,milk\n8,1,9\n7,2,caviar\n7,1,tea\n"),
+              ElementsAre("7|(3 5)()(9)", "8|(9)"));
+  EXPECT_EQ(unknown_, 1U);
+  EXPECT_THAT(examples_, ElementsAre("caviar"));
 }
 
-TEST(HistoryFormat, StandardInputIsCsv) { EXPECT_EQ(historyFormatOf("-"), HistoryFormat::kCsv); }
+TEST_F(HistoryForms, BasketLinesToo) {
+  EXPECT_THAT(read(LogFormat::kBasket, "7 1 2 tea milk\n7 2 1 caviar\n7 3 1 bread\n"),
+              ElementsAre("7|(3 5)()(9)"));
+  EXPECT_EQ(unknown_, 1U);
+}
 
-TEST(HistoryFormat, OtherNamesTellNothing) {
-  EXPECT_EQ(historyFormatOf("b.json"), std::nullopt);
-  EXPECT_EQ(historyFormatOf("csv"), std::nullopt);
-  EXPECT_EQ(historyFormatOf(""), std::nullopt);
+TEST_F(HistoryForms, JsonBasketsToo) {
+  EXPECT_THAT(read(LogFormat::kJsonLines,
+                   "{\"customer\":7,\"baskets\":[[\"bread\"],[\"tea\",\"milk\"],[\"caviar\"]],"
+                   "\"times\":[3,1,2]}\n"
+                   "{\"customer\":8,\"baskets\":[[9],[]]}\n"),
+              ElementsAre("7|(3 5)()(9)", "8|(9)()"));
+  EXPECT_EQ(unknown_, 1U);
+  EXPECT_THAT(examples_, ElementsAre("caviar"));
+}
+
+TEST_F(HistoryForms, SpmfHasNumbers) {
+  EXPECT_THAT(read(LogFormat::kSpmf, "3 5 -1 77 -1 9 -1 -2\n"), ElementsAre("1|(3 5)(77)(9)"));
+}
+
+TEST_F(HistoryForms, ATsvWithHistoriesIsReadAsSuch) {
+  EXPECT_THAT(read(LogFormat::kTsv, "customer\thistory\n7\t(3 5)(9)\n"), ElementsAre("7|(3 5)(9)"));
+}
+
+TEST(LogFormat, TheNameTellsTheFormat) {
+  using orbseq::logFormatOf;
+  EXPECT_EQ(logFormatOf("a/b.csv"), LogFormat::kCsv);
+  EXPECT_EQ(logFormatOf("A.CSV"), LogFormat::kCsv);
+  EXPECT_EQ(logFormatOf("b.csv.gz"), LogFormat::kCsv);
+  EXPECT_EQ(logFormatOf("b.tsv"), LogFormat::kTsv);
+  EXPECT_EQ(logFormatOf("b.spmf.GZ"), LogFormat::kSpmf);
+  EXPECT_EQ(logFormatOf("b.basket"), LogFormat::kBasket);
+  EXPECT_EQ(logFormatOf("b.jsonl"), LogFormat::kJsonLines);
+  EXPECT_EQ(logFormatOf("b.ndjson"), LogFormat::kJsonLines);
+  EXPECT_EQ(logFormatOf("b.sqlite"), LogFormat::kSqlite);
+  EXPECT_EQ(logFormatOf("b.db"), LogFormat::kSqlite);
+  EXPECT_EQ(logFormatOf("-"), LogFormat::kCsv) << "standard input";
+}
+
+TEST(LogFormat, OtherNamesTellNothing) {
+  using orbseq::logFormatOf;
+  EXPECT_EQ(logFormatOf("b.json"), std::nullopt);
+  EXPECT_EQ(logFormatOf("csv"), std::nullopt);
+  EXPECT_EQ(logFormatOf("b.gz"), std::nullopt);
+  EXPECT_EQ(logFormatOf(""), std::nullopt);
+}
+
+TEST(LogFormat, EveryNameIsAFormat) {
+  for (const std::string& name : orbseq::logFormatNames())
+    EXPECT_TRUE(orbseq::logFormatNamed(name)) << name;
+  EXPECT_EQ(orbseq::logFormatNamed("ndjson"), std::nullopt);
 }
 
 }  // namespace

@@ -26,7 +26,7 @@ using namespace std::string_literals;
 std::vector<std::string> histories(std::string_view content,
                                    std::size_t lineBytes = JsonHistoryReader::kLineBytes) {
   const TempFolder folder;
-  JsonHistoryReader reader(folder.file("f.jsonl", content), lineBytes);
+  JsonHistoryReader reader(folder.file("f.jsonl", content), {}, lineBytes);
   std::vector<std::string> found;
   CustomerHistory history;
   while (reader.next(history))

@@ -107,16 +107,6 @@ TEST(LogReader, ColumnsMayHaveOtherNamesAndNeighbours) {
   EXPECT_THAT(lines("what,x,when,who\n3,,1,ann\n", options), ElementsAre("ann 1:(3)"));
 }
 
-TEST(LogReader, TheNameTellsTheForm) {
-  EXPECT_EQ(logFormatOf("a/b.csv"), LogFormat::kCsv);
-  EXPECT_EQ(logFormatOf("b.tsv.gz"), LogFormat::kTsv);
-  EXPECT_EQ(logFormatOf("b.csv.spmf"), LogFormat::kSpmf);
-  EXPECT_EQ(logFormatOf("b.basket"), LogFormat::kBasket);
-  for (const char* name : {"log", "log.gz", "log.txt", "csv", "-", ""})
-    EXPECT_FALSE(logFormatOf(name)) << name;
-  EXPECT_FALSE(logFormatNamed("CSV"));
-}
-
 TEST(LogReader, AnEmptyLogHasNoCustomers) {
   EXPECT_THAT(lines(kHead), IsEmpty());
   for (const LogFormat format : {LogFormat::kSpmf, LogFormat::kBasket})
@@ -210,14 +200,81 @@ TEST(LogReader, SpmfNamesItemsAndTellsTimes) {
 
 TEST(LogReader, KnownItemsAreFoundByLabelFirstWordAndNumber) {
   const ItemLabelMap known = {{7, "tea green"}, {8, "pot"}, {9, "cup big"}, {10, "cup small"}};
+  const ItemNames names(known);
   LogOptions options;
-  options.builder.known = &known;
+  options.builder.known = &names;
   const TransactionLog log = read(
       rows("a,1,tea\na,2,tea green\na,3,pot\na,4,cup\na,5,cup small\na,6,42\na,7,green\nb,1,x\n"),
       options);
-  EXPECT_THAT(linesOf(log), ElementsAre("a 1:(7) 2:(7) 3:(8) 5:(10) 6:(42)", "b"));
-  EXPECT_EQ(log.unknownItems, 3U);
+  EXPECT_THAT(linesOf(log), ElementsAre("a 1:(7) 2:(7) 3:(8) 4:() 5:(10) 6:(42) 7:()", "b 1:()"))
+      << "a basket of unknown items stays, empty";
+  EXPECT_EQ(log.unknown.occurrences, 3U);
+  EXPECT_THAT(log.unknown.examples, ElementsAre("cup", "green", "x"));
   EXPECT_THAT(log.labels, IsEmpty());
+}
+
+TEST(LogReader, ALabelOfSeveralItemsNamesNone) {
+  const ItemNames names(ItemLabelMap{{1, "tea"}, {2, "tea"}, {3, "12"}});
+  EXPECT_EQ(names.find("tea"), std::nullopt);
+  EXPECT_EQ(names.find("12"), 3) << "the label comes before the number";
+  EXPECT_EQ(names.find("13"), 13);
+  EXPECT_EQ(names.find("013"), std::nullopt);
+  EXPECT_EQ(names.find("-1"), std::nullopt);
+  EXPECT_EQ(names.find("2147483648"), std::nullopt);
+  EXPECT_EQ(names.find(""), std::nullopt);
+}
+
+TEST(LogReader, SpmfItemsCanBeTexts) {
+  LogOptions options = formatted(LogFormat::kSpmf);
+  options.builder.items = ItemKind::kText;
+  const TransactionLog log = read("@ITEM=10=pot\n9 -1 10 -1 -2\n", options);
+  EXPECT_THAT(linesOf(log), ElementsAre("2 1:(2) 2:(1)")) << "numbered in the order of bytes";
+  EXPECT_THAT(log.labels, ElementsAre(Pair(1, "10 pot"), Pair(2, "9")));
+}
+
+TEST(LogReader, ColumnsOfHistoriesAreHistories) {
+  EXPECT_THAT(lines("customer,history\na,(3 5)(7)\nb,\nc,(1 [4]) (2) (3 [2011-01-18])\n"),
+              ElementsAre("a 1:(3 5) 2:(7)", "b", "c 4:(1) 4:(2) 1295308800:(3)"))
+      << "item sets of one time stay apart: they came as such";
+}
+
+TEST(LogReader, AColumnOfItemsMakesALogOfHistories) {
+  EXPECT_THAT(lines("customer,time,item,history\na,1,3,(9)\n"), ElementsAre("a 1:(3)"));
+}
+
+TEST(LogReader, JsonLinesHoldHistoriesAndBaskets) {
+  EXPECT_THAT(
+      lines("{\"customer\":\"a\",\"history\":\"(3 5)(7)\"}\n"
+            "{\"customer\":2,\"history\":[[3,5],[7]]}\n"
+            "{\"customer\":\"c\",\"baskets\":[[3,\"5\"],[7]]}\n"
+            "{\"customer\":\"d\",\"baskets\":[[3],[7]],\"times\":[\"1970-01-02\",2.5]}\n",
+            formatted(LogFormat::kJsonLines)),
+      ElementsAre("a 1:(3 5) 2:(7)", "2 1:(3 5) 2:(7)", "c 1:(3 5) 2:(7)", "d 2.5:(7) 86400:(3)"));
+}
+
+TEST(LogReader, TextItemsOfJsonLinesAreNumbered) {
+  const TransactionLog log = read("{\"customer\":1,\"baskets\":[[\"tea\",\"milk\"],[7]]}\n",
+                                  formatted(LogFormat::kJsonLines));
+  EXPECT_THAT(linesOf(log), ElementsAre("1 1:(2 3) 2:(1)"));
+  EXPECT_THAT(log.labels, ElementsAre(Pair(1, "7"), Pair(2, "milk"), Pair(3, "tea")));
+}
+
+TEST(LogReader, ACustomerInPartsWantsTimes) {
+  const LogOptions json = formatted(LogFormat::kJsonLines);
+  EXPECT_THAT(lines("{\"customer\":1,\"baskets\":[[7]],\"times\":[5]}\n"
+                    "{\"customer\":1,\"baskets\":[[8]],\"times\":[4]}\n",
+                    json),
+              ElementsAre("1 4:(8) 5:(7)"));
+  EXPECT_THAT(
+      errorIn("{\"customer\":1,\"baskets\":[[7]]}\n{\"customer\":1,\"baskets\":[[8]]}\n", json),
+      StartsWith("log:2: the customer came before"));
+  EXPECT_THAT(errorIn("customer,history\na,(1)\na,(2)\n"),
+              StartsWith("log:3:2: the customer came before"));
+}
+
+TEST(LogReader, AnOrderedLogOfOneCustomerAtATimeIsTheSameInAnyOrder) {
+  EXPECT_EQ(lines(rows("a,1,3\nb,1,4\na,2,5\nb,3,6\na,1,7\n")),
+            lines(rows("a,1,3\na,1,7\na,2,5\nb,1,4\nb,3,6\n")));
 }
 
 // --- Errors --------------------------------------------------------------------------------------
@@ -232,6 +289,63 @@ TEST(LogReader, ErrorsOfRowsNameTheirPlace) {
   LogOptions options;
   options.label = "label";
   EXPECT_THAT(errorIn(rows("a,1,3\n"), options), HasSubstr("no column "));
+}
+
+TEST(LogReader, ErrorsOfHistoriesNameTheByte) {
+  const auto historyError = [](const std::string& text) {
+    return errorIn("customer,history\na," + text + "\n");
+  };
+  EXPECT_THAT(historyError("(1"), StartsWith("log:2:2: byte 3: the item set is not closed"));
+  EXPECT_THAT(historyError("1"), StartsWith("log:2:2: byte 1: \"(\" should begin an item set"));
+  EXPECT_THAT(historyError("(1)x"), StartsWith("log:2:2: byte 4: "));
+  EXPECT_THAT(historyError("(1 -2)"), StartsWith("log:2:2: byte 4: "));
+  EXPECT_THAT(historyError("(2147483648)"),
+              StartsWith("log:2:2: byte 2: item 2147483648 is outside 0..2147483647"));
+  EXPECT_THAT(historyError("(1 [2)"), StartsWith("log:2:2: byte 4: the time is not closed"));
+  EXPECT_THAT(historyError("(1 [x])"), StartsWith("log:2:2: byte 4: \"x\" is neither a number"));
+  EXPECT_THAT(historyError("([1] [2])"), StartsWith("log:2:2: byte 6: a second time"));
+}
+
+TEST(LogReader, ErrorsOfJsonLinesNameTheLine) {
+  const LogOptions json = formatted(LogFormat::kJsonLines);
+  const auto error = [&json](const std::string& members) {
+    return errorIn("\n{\"customer\":1," + members + "}\n", json);
+  };
+  EXPECT_THAT(error("\"baskets\":[[1]],\"history\":\"(1)\""),
+              StartsWith("log:2: both \"history\" and \"baskets\""));
+  EXPECT_THAT(error("\"baskets\":[[1]],\"times\":[]"), StartsWith("log:2: 0 times for 1 baskets"));
+  EXPECT_THAT(error("\"history\":\"(1)\",\"times\":[1]"), StartsWith("log:2: \"times\" belong"));
+  EXPECT_THAT(error("\"baskets\":[1]"), StartsWith("log:2: the baskets are an array of arrays"));
+  EXPECT_THAT(error("\"baskets\":[[1.5]]"), StartsWith("log:2: item 1.5 is no integer"));
+  EXPECT_THAT(error("\"baskets\":[[\"\"]]"), StartsWith("log:2: an item is empty"));
+  EXPECT_THAT(error("\"baskets\":[[[1]]]"), StartsWith("log:2: the baskets are"));
+  EXPECT_THAT(error("\"baskets\":[[\"a\\u0000\"]]"), StartsWith("log:2: the item holds a NUL"));
+  EXPECT_THAT(error("\"baskets\":[[1]],\"times\":[\"soon\"]"),
+              StartsWith("log:2: time \"soon\" is neither"));
+  EXPECT_THAT(error("\"baskets\":[[1]],\"times\":[[1]]"), StartsWith("log:2: the times are"));
+  EXPECT_THAT(error("\"baskets\":[[1]],\"times\":[null]"), StartsWith("log:2: the times are"));
+  EXPECT_THAT(error("\"history\":\"(1\""), StartsWith("log:2: byte 3: "));
+  EXPECT_THAT(errorIn("{\"customer\":\"\",\"history\":\"(1)\"}\n", json),
+              StartsWith("log:1: the customer is empty"));
+  LogOptions integers = json;
+  integers.builder.items = ItemKind::kInteger;
+  EXPECT_THAT(errorIn("{\"customer\":1,\"baskets\":[[\"tea\"]]}\n", integers),
+              StartsWith("log:1: \"tea\" is no integer from 0 to 2147483647"));
+}
+
+TEST(LogReader, ABadBasketIsLeftOutAsAWhole) {
+  LogOptions options = formatted(LogFormat::kBasket);
+  options.builder.items = ItemKind::kInteger;
+  options.skipBadRows = 2;
+  const TransactionLog log = read("a 1 2 3 tea\na 2 1 4\na 3 1 \xFF\n", options);
+  EXPECT_THAT(linesOf(log), ElementsAre("a 2:(4)"));
+  EXPECT_EQ(log.badRows, 2U);
+}
+
+TEST(LogReader, TextsThatAreNoUtf8AreRefused) {
+  EXPECT_THAT(errorIn("a 1 1 t\xFF\n", formatted(LogFormat::kBasket)), StartsWith("log:1:8: "));
+  EXPECT_THAT(errorIn("@ITEM=1=t\xFF\n1 -1 -2\n", formatted(LogFormat::kSpmf)),
+              StartsWith("log:1:10: "));
 }
 
 TEST(LogReader, ErrorsOfSpmfLinesNameTheirPlace) {
