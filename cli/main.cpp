@@ -6,6 +6,7 @@
 #include "cli/Output.h"
 #include "cli/convert.h"
 #include "cli/exitStatus.h"
+#include "cli/generate.h"
 #include "cli/inspect.h"
 #include "cli/rules.h"
 #include "cli/score.h"
@@ -69,17 +70,20 @@ ExitStatus run(int argc, const char* const* argv) {
   RulesOptions rulesOptions;
   InspectOptions inspectOptions;
   ConvertOptions convertOptions;
+  GenerateOptions generateOptions;
   const CLI::App* const train = addTrainCommand(program, trainOptions);
   const CLI::App* const score = addScoreCommand(program, scoreOptions);
   const CLI::App* const rules = addRulesCommand(program, rulesOptions);
   const CLI::App* const inspect = addInspectCommand(program, inspectOptions);
   const CLI::App* const convert = addConvertCommand(program, convertOptions);
+  const CLI::App* const generate = addGenerateCommand(program, generateOptions);
   if (!parse(program, argc, argv)) return ExitStatus::kDone;
   if (train->parsed()) return runTrain(trainOptions);
   if (score->parsed()) return runScore(scoreOptions);
   if (rules->parsed()) return runRules(rulesOptions);
   if (inspect->parsed()) return runInspect(inspectOptions);
   if (convert->parsed()) return runConvert(convertOptions);
+  if (generate->parsed()) return runGenerate(generateOptions);
   return ExitStatus::kDone;
 }
 
