@@ -7,12 +7,6 @@
 // to three items. Every step runs in a process of its own, ROUNDS times, the steps in turn; the
 // table shows the median time, the ratio to the bare parse, and the largest peak of memory.
 
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -27,6 +21,7 @@
 #include <xercesc/parsers/XercesDOMParser.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 
+#include "bench/steps.h"
 #include "io/ModelFile.h"
 #include "sequence/NTSequence.h"
 #include "sequence/SequenceCounter.h"
@@ -35,6 +30,8 @@ namespace {
 
 using orbseq::Model;
 using orbseq::ModelForm;
+using orbseq::bench::secondsOf;
+using orbseq::bench::Step;
 using SEQUENCE_NAMESPACE_800::SeqDictionarySettings;
 using SEQUENCE_NAMESPACE_800::SequenceCounter;
 
@@ -80,46 +77,6 @@ Model makeModel(std::size_t sequences) {
   return model;
 }
 
-struct Sample {
-  double seconds = 0.0;
-  double mebibytes = 0.0;  // peak of the process
-};
-
-// Runs the step in a process of its own; the step answers the seconds that count.
-Sample measured(const std::function<double()>& step) {
-  int pipe[2];
-  if (::pipe(pipe) != 0) std::abort();
-  const pid_t child = ::fork();
-  if (child == 0) {
-    double seconds = -1.0;
-    try {
-      seconds = step();
-    } catch (const std::exception& error) {
-      std::fprintf(stderr, "%s\n", error.what());
-    }
-    const bool told = ::write(pipe[1], &seconds, sizeof seconds) == sizeof seconds;
-    ::_exit(told && seconds >= 0.0 ? 0 : 1);
-  }
-  Sample sample;
-  const bool heard = ::read(pipe[0], &sample.seconds, sizeof sample.seconds) ==
-                     static_cast<ssize_t>(sizeof sample.seconds);
-  int status = 0;
-  struct rusage usage {};
-  ::wait4(child, &status, 0, &usage);
-  ::close(pipe[0]);
-  ::close(pipe[1]);
-  if (!heard || status != 0) std::exit(1);
-  sample.mebibytes = static_cast<double>(usage.ru_maxrss) / 1024.0;
-  return sample;
-}
-
-template <class Work>
-double secondsOf(Work work) {
-  const auto begin = std::chrono::steady_clock::now();
-  work();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
-}
-
 void parseBare(const std::string& path) {
   xercesc::XMLPlatformUtils::Initialize();
   xercesc::XercesDOMParser parser;
@@ -128,12 +85,6 @@ void parseBare(const std::string& path) {
   if (parser.getErrorCount() != 0 || parser.getDocument()->getDocumentElement() == nullptr)
     throw std::runtime_error("the bare parse failed");
 }
-
-struct Step {
-  std::string name;
-  std::function<double()> run;
-  std::vector<Sample> samples;
-};
 
 }  // namespace
 
@@ -153,7 +104,7 @@ int main(int argc, char** argv) {
       {ModelForm::kBinary, (folder / "model.bin").string()},
       {ModelForm::kObjectXml, (folder / "model.objxml").string()}};
   // In a child, so that no step starts with the model's memory.
-  measured([&] {
+  orbseq::bench::measured([&] {
     const Model model = makeModel(sequences);
     for (const auto& [form, path] : files) orbseq::saveModel(path, model, form);
     std::printf("%d sequences\n", model.lattice->NumberOfSequences());
@@ -182,29 +133,18 @@ int main(int argc, char** argv) {
                      },
                      {}});
   }
-  for (int round = 0; round < rounds; ++round)
-    for (Step& step : steps) step.samples.push_back(measured(step.run));
+  orbseq::bench::measure(steps, rounds);
 
-  const auto median = [](std::vector<Sample> samples) {
-    std::sort(samples.begin(), samples.end(),
-              [](const Sample& a, const Sample& b) { return a.seconds < b.seconds; });
-    return samples[samples.size() / 2].seconds;
-  };
-  const auto peak = [](const std::vector<Sample>& samples) {
-    double most = 0.0;
-    for (const Sample& sample : samples) most = std::max(most, sample.mebibytes);
-    return most;
-  };
   for (const auto& [form, path] : files)
     std::printf("%-16s %10.1f MiB on disk\n", orbseq::nameOf(form),
                 static_cast<double>(std::filesystem::file_size(path)) / 1048576.0);
-  const double bareTime = median(steps[0].samples);
-  const double bareMemory = peak(steps[0].samples);
+  const double bareTime = medianSeconds(steps[0]);
+  const double bareMemory = peakMebibytes(steps[0]);
   std::printf("%-16s %10s %8s %10s %8s\n", "step", "seconds", "ratio", "peak MiB", "ratio");
   for (const Step& step : steps)
-    std::printf("%-16s %10.3f %8.2f %10.1f %8.2f\n", step.name.c_str(), median(step.samples),
-                median(step.samples) / bareTime, peak(step.samples),
-                peak(step.samples) / bareMemory);
+    std::printf("%-16s %10.3f %8.2f %10.1f %8.2f\n", step.name.c_str(), medianSeconds(step),
+                medianSeconds(step) / bareTime, peakMebibytes(step),
+                peakMebibytes(step) / bareMemory);
   std::filesystem::remove_all(folder);
   return 0;
 }

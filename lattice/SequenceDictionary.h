@@ -239,7 +239,6 @@ class ORBSEQ_EXPORT SequenceDictionary : public SequenceSemiLattice {
   const ISQCPair* findByScratch(const int* const* sets, int n) const;
   const ISQCPair* findEmpty() const noexcept;
   std::int32_t customers() const noexcept;  // the empty sequence's count; 0 when there is none
-  void appendPopular(std::vector<SeqConsequentDescriptor>& out, int maxCount) const;
 
   std::int32_t numLevels_ = 0;
   double reductionThreshold_ = 0.0;

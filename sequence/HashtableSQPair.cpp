@@ -1,6 +1,7 @@
 #include "sequence/HashtableSQPair.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <limits>
 #include <memory>
@@ -28,6 +29,9 @@ std::int32_t bucketOf(const NTSequence& key, std::int32_t capacity) noexcept {
   const std::int32_t remainder = key.HashCode() % capacity;
   return remainder < 0 ? remainder + capacity : remainder;
 }
+
+// Begins to load the memory, which need not be there. Wants no answer: nothing waits.
+void prefetch(const void* address) noexcept { __builtin_prefetch(address); }
 
 void link(SQCPairNode*& head, SQCPairNode* node) noexcept {
   node->next = head;
@@ -147,6 +151,30 @@ std::int32_t HashtableSQPair::chainLength(const NTSequence* key,
 }
 
 const ISQCPair* HashtableSQPair::get(const NTSequence* key) const noexcept { return find(key); }
+
+// Each pass asks for what the next one reads, of all keys of a batch.
+void HashtableSQPair::getAll(std::span<const NTSequence> keys,
+                             const ISQCPair** found) const noexcept {
+  constexpr std::size_t kBatch = 32;
+  std::array<SQCPairNode* const*, kBatch> chains;
+  for (; !keys.empty(); keys = keys.subspan(std::min(kBatch, keys.size()))) {
+    const std::span<const NTSequence> batch = keys.first(std::min(kBatch, keys.size()));
+    if (capacity_ == 0) {
+      found = std::fill_n(found, batch.size(), nullptr);
+      continue;
+    }
+    for (std::size_t k = 0; k < batch.size(); ++k) {
+      chains[k] = buckets_ + hashedKey(&batch[k]);
+      prefetch(chains[k]);
+    }
+    for (std::size_t k = 0; k < batch.size(); ++k) prefetch(*chains[k]);
+    for (std::size_t k = 0; k < batch.size(); ++k)
+      if (*chains[k] != nullptr) prefetch((*chains[k])->key);
+    for (std::size_t k = 0; k < batch.size(); ++k)
+      if (*chains[k] != nullptr) prefetch((*chains[k])->key->items().data());
+    for (std::size_t k = 0; k < batch.size(); ++k) *found++ = findInBucket(*chains[k], &batch[k]);
+  }
+}
 
 void HashtableSQPair::remove(const NTSequence* key) noexcept {
   SQCPairNode* const node = find(key);

@@ -18,6 +18,7 @@
 
 #include <cstdint>
 #include <iosfwd>
+#include <span>
 
 #include "common/OrbExport.h"
 
@@ -96,6 +97,9 @@ class ORBSEQ_EXPORT HashtableSQPair {
   // The entry of an equal key, or null. Keys are compared by content.
   const ISQCPair* get(const NTSequence* key) const noexcept;
   bool containsKey(const NTSequence* key) const noexcept { return get(key) != nullptr; }
+  // found[k] becomes what get(&keys[k]) answers. Faster than one by one in a large table: the
+  // memory of many entries is waited for at once. Requires room in `found` for keys.size().
+  void getAll(std::span<const NTSequence> keys, const ISQCPair** found) const noexcept;
 
   // Entries in the chain where the key is or would be, counted up to `enough`. Readers of what
   // comes from outside refuse chains of more than kMostInChain: keys can be made to share one, and

@@ -34,7 +34,8 @@ void SequenceCounter::setStatsBucket(StatsBucket* stats) noexcept {
 void SequenceCounter::addAdjacentItem(std::int32_t item, std::int32_t position) {
   try {
     if (!adjacent_) adjacent_ = std::make_unique<AdjacentItems>();
-    adjacent_->emplace(item, position);
+    // Who adds pairs in their order waits for no search.
+    adjacent_->emplace_hint(adjacent_->end(), item, position);
   } catch (const std::bad_alloc&) {
     throw SeqExceptions::DictionaryFailure();
   }
