@@ -8,11 +8,11 @@
 
 namespace orbseq {
 
-void addModelOptions(CLI::App& command, ModelOptions& options) {
+void addModelOptions(CLI::App& command, ModelOptions& options, bool isRequired) {
   command
       .add_option("-m,--model", options.model,
                   "Model in any form: lattice document, PMML document with one, binary, object-XML")
-      ->required()
+      ->required(isRequired)
       ->type_name("FILE");
   command
       .add_option("--max-document-bytes", options.limits.bytes,
@@ -45,6 +45,12 @@ ModelForm outputForm(const std::string& output, const std::string& to) {
 
 Model readModel(const ModelOptions& options) {
   Model model = readModel(options.model, options.limits);
+  if (interrupted()) throw Interrupted();
+  return model;
+}
+
+Model readScoredModel(const ModelOptions& options) {
+  Model model = readScoredModel(options.model, options.limits);
   if (interrupted()) throw Interrupted();
   return model;
 }

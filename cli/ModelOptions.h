@@ -22,10 +22,11 @@ struct ModelOptions {
 };
 
 // `options` must outlive the parsing.
-void addModelOptions(CLI::App& command, ModelOptions& options);
+void addModelOptions(CLI::App& command, ModelOptions& options, bool isRequired = true);
 
 // Errors: as io/ModelFile.h.
 Model readModel(const ModelOptions& options);
+Model readScoredModel(const ModelOptions& options);
 
 // The option --to of a command that writes a model, and the form that it and the output's name come
 // to. Throws UsageError when neither tells one.

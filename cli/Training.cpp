@@ -5,10 +5,10 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <span>
-#include <thread>
 
 #include "cli/StatusLine.h"
 #include "cli/exitStatus.h"
+#include "cli/parallel.h"
 #include "io/ItemNames.h"
 #include "io/process.h"
 #include "io/statusError.h"
@@ -165,9 +165,7 @@ MinerOptions minerOptionsOf(const Training& training, std::size_t customers,
   miner.maxSpan = training.maxSpan;
   miner.memoryBytes = training.maxMemory;
   miner.seconds = training.maxSeconds;
-  miner.threads = training.threads > 0
-                      ? training.threads
-                      : static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
+  miner.threads = threadsOf(training.threads);
   return miner;
 }
 

@@ -5,7 +5,9 @@
 
 #include "cli/Output.h"
 #include "cli/convert.h"
+#include "cli/evaluate.h"
 #include "cli/exitStatus.h"
+#include "cli/explain.h"
 #include "cli/generate.h"
 #include "cli/inspect.h"
 #include "cli/rules.h"
@@ -66,20 +68,26 @@ ExitStatus run(int argc, const char* const* argv) {
   program.footer(kFooter);
 
   TrainOptions trainOptions;
+  EvaluateOptions evaluateOptions;
   ScoreOptions scoreOptions;
+  ExplainOptions explainOptions;
   RulesOptions rulesOptions;
   InspectOptions inspectOptions;
   ConvertOptions convertOptions;
   GenerateOptions generateOptions;
   const CLI::App* const train = addTrainCommand(program, trainOptions);
+  const CLI::App* const evaluate = addEvaluateCommand(program, evaluateOptions);
   const CLI::App* const score = addScoreCommand(program, scoreOptions);
+  const CLI::App* const explain = addExplainCommand(program, explainOptions);
   const CLI::App* const rules = addRulesCommand(program, rulesOptions);
   const CLI::App* const inspect = addInspectCommand(program, inspectOptions);
   const CLI::App* const convert = addConvertCommand(program, convertOptions);
   const CLI::App* const generate = addGenerateCommand(program, generateOptions);
   if (!parse(program, argc, argv)) return ExitStatus::kDone;
   if (train->parsed()) return runTrain(trainOptions);
+  if (evaluate->parsed()) return runEvaluate(evaluateOptions);
   if (score->parsed()) return runScore(scoreOptions);
+  if (explain->parsed()) return runExplain(explainOptions);
   if (rules->parsed()) return runRules(rulesOptions);
   if (inspect->parsed()) return runInspect(inspectOptions);
   if (convert->parsed()) return runConvert(convertOptions);

@@ -219,6 +219,15 @@ Model modelIn(const std::string& path, SourceStream& source, ModelForm form,
   return model;
 }
 
+// Links to what is gone stay, and every query looks whether an extension is stored.
+void removeHighestLevel(Lattice& lattice) {
+  const HashtableSQPair* const highest = lattice.getTable(lattice.getNumLevels() - 1);
+  if (highest == nullptr) return;
+  std::vector<SEQUENCE_NAMESPACE_800::NTSequence> keys;
+  for (const ISQCPair& entry : *highest) keys.push_back(*entry.key);
+  for (const auto& key : keys) lattice.remove(&key);
+}
+
 void writeObjectXml(std::ostream& os, const Lattice& lattice) {
   const std::unique_ptr<const OrbXML_830::XMLDocType> type(
       OrbXML_830::XMLDocType::Create(kObjectXmlRoot, "savexml.dtd", 0));
@@ -249,6 +258,14 @@ Model readModel(const std::string& path, const OrbScore::DocumentLimits& limits)
   SourceStream source(path);
   const ModelForm form = formOf(source);
   return modelIn(path, source, form, limits);
+}
+
+Model readScoredModel(const std::string& path, const OrbScore::DocumentLimits& limits) {
+  SourceStream source(path);
+  const ModelForm form = formOf(source);
+  Model model = modelIn(path, source, form, limits);
+  if (form == ModelForm::kDocument) removeHighestLevel(*model.lattice);
+  return model;
 }
 
 SafeDocument readDocument(const std::string& path, const OrbScore::DocumentLimits& limits) {

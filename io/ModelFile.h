@@ -36,6 +36,9 @@ namespace orbseq {
 // `path` "-" is standard input. The limits are those of documents.
 Model readModel(const std::string& path, const OrbScore::DocumentLimits& limits = {});
 
+// The model as the scoring module answers from it: of a document, without its highest level.
+Model readScoredModel(const std::string& path, const OrbScore::DocumentLimits& limits = {});
+
 // The stored model as the document that the scoring module is handed: the file itself where it is a
 // document, else one written from it, with its labels.
 OrbScore::SafeDocument readDocument(const std::string& path,
