@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "tests/support/SmallLattices.h"
 #include "tests/support/World.h"
 #include "tests/support/naiveLattice.h"
 
@@ -146,96 +147,13 @@ TEST(DictionaryParity, RecommendationsEqualTheNaiveLatticesBitForBit) {
 
 // --- Every small lattice -------------------------------------------------------------------------
 
-bool contains(const History& sequence, const History& part) {
-  std::size_t matched = 0;
-  for (const Items& set : sequence)
-    if (matched < part.size() &&
-        std::includes(set.begin(), set.end(), part[matched].begin(), part[matched].end()))
-      ++matched;
-  return matched == part.size();
-}
-
-std::vector<History> histories(std::initializer_list<const char*> texts) {
-  std::vector<History> all;
-  for (const char* one : texts) all.push_back(history(one));
-  return all;
-}
-
-// The members of `all` whose bits are set in `mask`.
-std::vector<History> chosen(const std::vector<History>& all, unsigned mask) {
-  std::vector<History> some;
-  for (std::size_t n = 0; n < all.size(); ++n)
-    if ((mask >> n & 1U) != 0) some.push_back(all[n]);
-  return some;
-}
-
-// Every history of one to three sets over the items 1 and 2.
-std::vector<History> smallHistories() {
-  const std::vector<Items> sets = {{1}, {2}, {1, 2}};
-  std::vector<History> all, longest = {History()};
-  for (int length = 1; length <= 3; ++length) {
-    std::vector<History> longer;
-    for (const History& shorter : longest) {
-      for (const Items& set : sets) {
-        longer.push_back(shorter);
-        longer.back().push_back(set);
-      }
-    }
-    all.insert(all.end(), longer.begin(), longer.end());
-    longest = std::move(longer);
-  }
-  return all;
-}
-
-class SmallLattices {
- public:
-  // Calls visit(stored) for downward-closed lattices over the items 1 and 2 with sequences of up to
-  // three items; of those with the same pairs, every `stride`-th.
-  template <typename Visit>
-  void each(unsigned stride, Visit visit) const {
-    for (unsigned pairMask = 0; pairMask < 1U << pairs_.size(); ++pairMask) {
-      const std::vector<History> pairs = chosen(pairs_, pairMask);
-      const std::vector<History> possible = closedTriples(pairs);
-      const unsigned count = 1U << possible.size(), step = count > 64 ? stride : 1;
-      for (unsigned mask = 0; mask < count; mask += step) {
-        std::vector<History> stored = histories({"(1)", "(2)"});
-        stored.insert(stored.end(), pairs.begin(), pairs.end());
-        const std::vector<History> triples = chosen(possible, mask ^ (count - 1));
-        stored.insert(stored.end(), triples.begin(), triples.end());
-        visit(stored);
-      }
-    }
-  }
-
- private:
-  // The triples whose pairs are all stored.
-  std::vector<History> closedTriples(const std::vector<History>& pairs) const {
-    std::vector<History> closed;
-    for (const History& triple : triples_) {
-      const auto isStored = [&](const History& pair) {
-        return !contains(triple, pair) ||
-               std::find(pairs.begin(), pairs.end(), pair) != pairs.end();
-      };
-      if (std::all_of(pairs_.begin(), pairs_.end(), isStored)) closed.push_back(triple);
-    }
-    return closed;
-  }
-
-  const std::vector<History> pairs_ = histories({"(1)(1)", "(1)(2)", "(2)(1)", "(2)(2)", "(1 2)"});
-  const std::vector<History> triples_ =
-      histories({"(1)(1)(1)", "(1)(1)(2)", "(1)(2)(1)", "(1)(2)(2)", "(2)(1)(1)", "(2)(1)(2)",
-                 "(2)(2)(1)", "(2)(2)(2)", "(1 2)(1)", "(1 2)(2)", "(1)(1 2)", "(2)(1 2)"});
-};
-
 TEST(DictionaryParity, EverySmallClosedLatticeAnswersAsTheNaiveOne) {
   const std::vector<History> asked = smallHistories();
   std::size_t lattices = 0;
 
   SmallLattices().each(/*stride=*/11, [&](const std::vector<History>& stored) {
     if (HasFailure()) return;
-    std::map<History, Entry> entries = {{History(), {60, {}}}};
-    for (std::size_t n = 0; n < stored.size(); ++n)
-      entries[stored[n]] = {60 / itemCount(stored[n]) - static_cast<int>(n * 7 % 13), {}};
+    const std::map<History, Entry> entries = countedEntries(stored);
     SequenceDictionary dictionary(smallTables(4));
     for (const auto& [sequence, entry] : entries) store(dictionary, sequence, entry.count);
     dictionary.buildLattice();

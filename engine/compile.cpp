@@ -1,0 +1,339 @@
+#include "engine/compile.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <stdexcept>
+#include <unordered_map>
+
+#include "engine/compiledForm.h"
+#include "lattice/SequenceDictionary.h"
+#include "sequence/HashtableSQPair.h"
+#include "sequence/NTSequence.h"
+#include "sequence/SequenceCounter.h"
+
+namespace orbseq::engine {
+
+namespace {
+
+using SEQUENCE_NAMESPACE_800::HashtableSQPair;
+using SEQUENCE_NAMESPACE_800::ISQCPair;
+using SEQUENCE_NAMESPACE_800::NTSequence;
+using SEQUENCE_NAMESPACE_800::SequenceCounter;
+using SEQUENCE_NAMESPACE_800::SequenceDictionary;
+
+constexpr std::int32_t kJoinsFirstSet = 0;  // adjacency codes
+constexpr std::int32_t kOpensFirstSet = 1;
+constexpr std::int32_t kSmallLattice = 2;
+
+std::uint32_t counted(std::size_t count) {
+  if (count >= kNone) throw std::length_error("a compiled lattice of more than 2^32 - 2 parts");
+  return static_cast<std::uint32_t>(count);
+}
+
+// Links with items by their own numbers, until all items are known.
+struct RawClimb {
+  std::int32_t item;
+  NodeId node;
+};
+struct RawProposal {
+  std::int32_t item;
+  std::int32_t count;
+};
+
+// An owned image.
+class Block final : public CompiledLattice::Storage {
+ public:
+  explicit Block(std::size_t bytes) : words_((bytes + 7) / 8), bytes_(bytes) {}
+  std::byte* data() noexcept { return reinterpret_cast<std::byte*>(words_.data()); }
+  std::span<const std::byte> bytes() const noexcept override {
+    return {reinterpret_cast<const std::byte*>(words_.data()), bytes_};
+  }
+
+ private:
+  std::vector<std::uint64_t> words_;  // zeros where nothing is written
+  std::size_t bytes_;
+};
+
+class Compiler {
+ public:
+  explicit Compiler(const SequenceDictionary& dictionary)
+      : dictionary_(dictionary), largest_(dictionary.LargestSequence()) {
+    const NTSequence empty;
+    const SequenceCounter* const all = dictionary.getDescriptor(&empty);
+    header_.customers = all == nullptr ? 0 : all->getCount();
+  }
+
+  CompiledLattice run() {
+    addSingles();
+    for (std::size_t size = 1; size < Header::kLevels; ++size) {
+      gatherNext(size);
+      for (const ISQCPair* entry : level_) addNode(*entry, size);
+      finishLevel(size);
+    }
+    nodes_.push_back({0, counted(climbs_.size()), counted(climbs_.size()),
+                      counted(proposals_.size()), counted(proposals_.size())});
+    markGrowth();
+    return image();
+  }
+
+ private:
+  const HashtableSQPair* table(std::size_t size) const noexcept {
+    return dictionary_.getTable(static_cast<std::int32_t>(size));
+  }
+
+  // The first level by item; which items are known, and which have a node.
+  void addSingles() {
+    header_.levels[1] = 0;
+    if (const HashtableSQPair* const singles = table(1))
+      for (const ISQCPair& entry : *singles) {
+        if (entry.key->size() != 1) continue;
+        const std::int32_t item = entry.key->items().front();
+        items_.push_back({item, kNone, entry.value == nullptr ? 0 : entry.value->getCount(), 1});
+        if (entry.value != nullptr) level_.push_back(&entry);
+      }
+    std::sort(level_.begin(), level_.end(), [](const ISQCPair* a, const ISQCPair* b) {
+      return a->key->items().front() < b->key->items().front();
+    });
+    std::sort(items_.begin(), items_.end(),
+              [](const Item& a, const Item& b) { return a.number < b.number; });
+    std::size_t item = 0;
+    for (std::size_t node = 0; node < level_.size(); ++node) {
+      while (items_[item].number != level_[node]->key->items().front()) ++item;
+      items_[item].node = static_cast<NodeId>(node);
+    }
+    singles_ = items_;
+  }
+
+  // The entries of the next level, which get their places as climbs reach them.
+  void gatherNext(std::size_t size) {
+    places_.clear();
+    next_.clear();
+    const HashtableSQPair* const longer = table(size + 1);
+    if (longer == nullptr || size + 1 >= Header::kLevels) return;
+    places_.reserve(static_cast<std::size_t>(longer->getSize()));
+    next_.reserve(static_cast<std::size_t>(longer->getSize()));
+  }
+
+  // What no climb reaches comes last, in the order of the table.
+  void finishLevel(std::size_t size) {
+    header_.levels[size + 1] = counted(nodes_.size());
+    const HashtableSQPair* const longer = table(size + 1);
+    if (longer != nullptr && size + 1 < Header::kLevels)
+      for (const ISQCPair& entry : *longer)
+        if (entry.value != nullptr && entry.key->size() == static_cast<std::int32_t>(size + 1))
+          placeOf(entry);
+    level_.swap(next_);
+  }
+
+  std::uint32_t placeOf(const ISQCPair& entry) {
+    const auto [place, isNew] = places_.emplace(&entry, counted(next_.size()));
+    if (isNew) next_.push_back(&entry);
+    return place->second;
+  }
+
+  // A link of the node at work that matters, and the sequence that it leads to.
+  struct Link {
+    SequenceCounter::AdjacentItem adjacent;
+    bool climbs;
+    bool proposes;
+  };
+
+  void addNode(const ISQCPair& entry, std::size_t size) {
+    const NTSequence& key = *entry.key;
+    const std::int32_t sets = key.getNSets();
+    sets_.push_back(static_cast<std::uint8_t>(sets));
+    links_.clear();
+    longer_.clear();
+    const bool canClimb = largest_ > kSmallLattice && key.size() < largest_ &&
+                          key.size() + 1 < NTSequence::kMaxItems;
+    const bool canPropose = header_.customers != 0 && entry.value->getCount() != 0;
+    const auto* const adjacent = entry.value->getAdjacentItems();
+    if (adjacent != nullptr && key.size() < NTSequence::kMaxItems)
+      for (const auto& [item, code] : *adjacent) {
+        const bool climbs = canClimb && (code == kJoinsFirstSet || code == kOpensFirstSet);
+        const bool proposes =
+            canPropose && (code == 2 * (sets - 1) || code == 2 * sets + 1) && hasCause(item);
+        if ((!climbs && !proposes) || !key.isPosition(code)) continue;
+        links_.push_back({{item, code}, climbs, proposes});
+        longer_.emplace_back(key, item, code);
+      }
+    lookUp(size);
+    appendRuns(*entry.value, sets, counted(nodes_.size()));
+  }
+
+  // Whether the item's count leaves a fraction: 0 customers that hold it alone do not.
+  bool hasCause(std::int32_t item) const {
+    const auto single = std::lower_bound(
+        singles_.begin(), singles_.end(), item,
+        [](const Item& one, std::int32_t wanted) { return one.number < wanted; });
+    return single == singles_.end() || single->number != item || single->node == kNone ||
+           single->count != 0;
+  }
+
+  void lookUp(std::size_t size) {
+    found_.assign(longer_.size(), nullptr);
+    if (const HashtableSQPair* const longer = table(size + 1))
+      longer->getAll(longer_, found_.data());
+  }
+
+  // The four runs of a node, each in the order of the items, proposals by count after that.
+  void appendRuns(const SequenceCounter& counter, std::int32_t sets, std::uint32_t id) {
+    nodes_.push_back({counter.getCount(), 0, 0, 0, 0});
+    const auto addClimbs = [&](std::int32_t code) {
+      const std::uint32_t begin = counted(climbs_.size());
+      for (std::size_t k = 0; k < links_.size(); ++k)
+        if (links_[k].climbs && links_[k].adjacent.second == code && isCounted(k))
+          climbs_.push_back({links_[k].adjacent.first, placeOf(*found_[k])});
+      return begin;
+    };
+    const auto addProposals = [&](std::int32_t code) {
+      const std::uint32_t begin = counted(proposals_.size());
+      for (std::size_t k = 0; k < links_.size(); ++k)
+        if (links_[k].proposes && links_[k].adjacent.second == code && isCounted(k))
+          proposals_.push_back({links_[k].adjacent.first, found_[k]->value->getCount()});
+      std::sort(proposals_.begin() + begin, proposals_.end(),
+                [](const RawProposal& a, const RawProposal& b) {
+                  return a.count != b.count ? a.count > b.count : a.item > b.item;
+                });
+      return begin;
+    };
+    Node& node = nodes_[id];
+    node.climbs = addClimbs(kOpensFirstSet);
+    node.joins = addClimbs(kJoinsFirstSet);
+    node.proposals = addProposals(2 * (sets - 1));
+    node.opens = addProposals(2 * sets + 1);
+  }
+
+  bool isCounted(std::size_t k) const noexcept {
+    return found_[k] != nullptr && found_[k]->value != nullptr;
+  }
+
+  // From the longest sequences down, since climbs lead to longer ones. Until here a climb names the
+  // place in its level.
+  void markGrowth() {
+    for (std::size_t size = Header::kLevels - 1; size > 0; --size)
+      for (NodeId id = header_.levels[size]; id < header_.levels[size + 1]; ++id) {
+        bool grows = nodes_[id].joins < nodes_[id + 1].climbs;
+        for (std::uint32_t k = nodes_[id].climbs; k < nodes_[id + 1].climbs; ++k) {
+          climbs_[k].node += header_.levels[size + 1];
+          grows = grows || (sets_[climbs_[k].node] & CompiledLattice::kGrowsAbove) != 0;
+        }
+        if (!grows) continue;
+        sets_[id] |= CompiledLattice::kGrowsAbove;
+        header_.hasJoins = 1;
+      }
+  }
+
+  // Every item that a link or a stored single item names, by number.
+  void gatherItems() {
+    const auto byNumber = [](const Item& a, const Item& b) { return a.number < b.number; };
+    std::vector<std::int32_t> named;
+    for (const RawClimb& climb : climbs_) named.push_back(climb.item);
+    for (const RawProposal& proposal : proposals_) named.push_back(proposal.item);
+    std::sort(named.begin(), named.end());
+    named.erase(std::unique(named.begin(), named.end()), named.end());
+    std::size_t single = 0;
+    for (const std::int32_t number : named) {
+      while (single < singles_.size() && singles_[single].number < number) ++single;
+      if (single == singles_.size() || singles_[single].number != number)
+        items_.push_back({number, kNone, 0, 0});
+    }
+    std::sort(items_.begin(), items_.end(), byNumber);
+  }
+
+  std::vector<ItemId> popularItems() const {
+    std::vector<ItemId> popular;
+    if (header_.customers == 0) return popular;
+    const double customers = header_.customers;
+    for (ItemId id = 0; id < items_.size(); ++id)
+      if (items_[id].node != kNone) popular.push_back(id);
+    std::sort(popular.begin(), popular.end(), [&](ItemId a, ItemId b) {
+      const double shareOfA = items_[a].count / customers;
+      const double shareOfB = items_[b].count / customers;
+      return shareOfA != shareOfB ? shareOfA > shareOfB : a > b;
+    });
+    return popular;
+  }
+
+  // Numbers from the least item to the greatest, where that is not too many.
+  std::uint32_t lookupSize() const noexcept {
+    if (items_.empty()) return 0;
+    const auto range = static_cast<std::uint64_t>(std::int64_t{items_.back().number} -
+                                                  items_.front().number + 1);
+    return range <= CompiledLattice::kMostLookup * items_.size()
+               ? static_cast<std::uint32_t>(range)
+               : 0;
+  }
+
+  ItemId idOf(std::int32_t number) const noexcept {
+    return static_cast<ItemId>(
+        std::lower_bound(
+            items_.begin(), items_.end(), number,
+            [](const Item& item, std::int32_t wanted) { return item.number < wanted; }) -
+        items_.begin());
+  }
+
+  CompiledLattice image() {
+    gatherItems();
+    const std::vector<ItemId> popular = popularItems();
+    header_.magic = Header::kMagic;
+    header_.version = Header::kVersion;
+    header_.byteOrder = Header::kByteOrder;
+    header_.nodes = counted(nodes_.size() - 1);
+    header_.climbs = counted(climbs_.size());
+    header_.proposals = counted(proposals_.size());
+    header_.items = counted(items_.size());
+    header_.popular = counted(popular.size());
+    header_.lookup = lookupSize();
+    const Layout layout = layoutOf(header_);
+    header_.bytes = layout.bytes;
+    auto block = std::make_unique<Block>(layout.bytes);
+    std::byte* const bytes = block->data();
+    const auto put = [bytes](std::uint64_t offset, const auto& values) {
+      if (!values.empty())
+        std::memcpy(bytes + offset, values.data(), values.size() * sizeof values[0]);
+    };
+    put(layout.nodes, nodes_);
+    put(layout.sets, sets_);
+    put(layout.items, items_);
+    put(layout.popular, popular);
+    auto* const climbs = reinterpret_cast<Climb*>(bytes + layout.climbs);
+    for (std::size_t k = 0; k < climbs_.size(); ++k)
+      climbs[k] = {idOf(climbs_[k].item), climbs_[k].node};
+    auto* const proposals = reinterpret_cast<Proposal*>(bytes + layout.proposals);
+    for (std::size_t k = 0; k < proposals_.size(); ++k)
+      proposals[k] = {idOf(proposals_[k].item), proposals_[k].count};
+    auto* const lookup = reinterpret_cast<ItemId*>(bytes + layout.lookup);
+    std::fill_n(lookup, header_.lookup, kNone);
+    for (ItemId id = 0; header_.lookup > 0 && id < items_.size(); ++id)
+      lookup[std::int64_t{items_[id].number} - items_.front().number] = id;
+    std::memcpy(bytes, &header_, sizeof header_);
+    header_.checksum = checksumOf(block->bytes());
+    std::memcpy(bytes, &header_, sizeof header_);
+    return CompiledLattice(std::move(block));
+  }
+
+  const SequenceDictionary& dictionary_;
+  const std::int32_t largest_;
+  Header header_{};
+  std::vector<Node> nodes_;
+  std::vector<std::uint8_t> sets_;
+  std::vector<RawClimb> climbs_;
+  std::vector<RawProposal> proposals_;
+  std::vector<Item> items_;
+  std::vector<Item> singles_;  // of items_, those stored alone
+
+  std::vector<const ISQCPair*> level_;  // entries of the level at work, in the order of nodes
+  std::vector<const ISQCPair*> next_;   // of the one above, as far as they have places
+  std::unordered_map<const ISQCPair*, std::uint32_t> places_;
+  std::vector<Link> links_;         // of the node at work
+  std::vector<NTSequence> longer_;  // what each leads to
+  std::vector<const ISQCPair*> found_;
+};
+
+}  // namespace
+
+CompiledLattice compile(const SequenceDictionary& dictionary) { return Compiler(dictionary).run(); }
+
+}  // namespace orbseq::engine
