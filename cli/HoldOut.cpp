@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <limits>
 #include <system_error>
 
@@ -17,7 +18,7 @@ double cutOf(const SequenceDatabase& log, double share) {
     first = std::min(first, log.time(set));
     last = std::max(last, log.time(set));
   }
-  return last - (last - first) * share;
+  return std::lerp(last, first, share);
 }
 
 std::vector<std::int32_t> itemsOf(const SequenceDatabase& log, std::size_t first,

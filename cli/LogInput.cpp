@@ -23,10 +23,10 @@ const char* const kLogForms =
             {"customer": "7", "baskets": [["tea", "milk"], ["bread"]], "times": [1, 8]}
   spmf      a customer a line: 1 2 -1 3 -1 -2
   basket    a basket a line: customer, time, number of items, items
-  sqlite    a database, read only: rows as in csv that --query answers
+  sqlite    a database, read only: rows of items as in csv that --query answers
 Times are numbers, or dates and times such as 2011-01-18 10:01:00, which count in seconds. Rows of one
 customer and time are one basket; --basket day (minute, hour, week, month, or a number in the unit of
-the times) puts a longer period into one.)help";
+the times) puts a longer period into one. Histories as text stay as they are.)help";
 
 CLI::Option* addLogInput(CLI::App& command, LogInput& input, const std::string& text,
                          bool numbersItems) {

@@ -119,8 +119,7 @@ class JsonProposals final : public ProposalWriter {
       line["customer"] = customer;
       line["rank"] = ranked.rank;
       line["item"] = consequent.GetItem();
-      const std::string label = labelOf(labels_, consequent.GetItem());
-      if (!label.empty()) line["label"] = label;
+      line["label"] = labelOf(labels_, consequent.GetItem());
       line["wins"] = proposal.wins;
       line["confidence"] = consequent.GetConfidence();
       line["support"] = consequent.GetSupport();

@@ -3,8 +3,8 @@
 //   csv, jsonl  customer, rank, item, label, wins, confidence, support, cause, count, together,
 //               skipped, place, sequence: a row a proposal (lattice/Proposal.h). `rank` is the
 //               item's in the answer; `place` is current where the item joins the last item set,
-//               future where it opens a new one; fractions have 17 significant digits; the sequence
-//               is (1 2)(3) in CSV and [[1,2],[3]] in JSON lines.
+//               future where it opens a new one; fractions read back exactly, in CSV they have 17
+//               significant digits; the sequence is (1 2)(3) in CSV and [[1,2],[3]] in JSON lines.
 //
 // Every operation appends to the caller's text. Threads: one at a time on one writer.
 

@@ -83,9 +83,9 @@ std::unique_ptr<Lattice> trainByCarma(const SequenceDatabase& database, const Mi
 
 const char* const kTrainingHelp =
     R"help(--min-support below 1 is a share of the customers, from 1 up a number of them.
---algorithm exact holds the log in memory and finds every sequence. carma counts in the lattice itself,
-customer by customer, with a second pass that makes the counts exact; with --one-pass the counts are
-upper bounds instead.)help";
+--algorithm exact finds every sequence by growing them. carma counts in the lattice itself, customer by
+customer, with a second pass that makes the counts exact; with --one-pass the counts are upper bounds
+instead.)help";
 
 CLI::Option* addTrainingOptions(CLI::App& command, Training& training) {
   CLI::Option* const support =
@@ -115,14 +115,15 @@ CLI::Option* addTrainingOptions(CLI::App& command, Training& training) {
                                 const char* text) {
     command.add_option(name, value, text)->type_name("ITEM")->allow_extra_args(false);
   };
-  items("--include", training.include, "Look at this item, by number or label; may stand often");
-  items("--exclude", training.exclude, "Do not look at this item; may stand often");
+  items("--include", training.include,
+        "Look at this item alone: a number, a label or its first word; may stand often");
+  items("--exclude", training.exclude, "Leave out this item; may stand often");
   command.add_option("--algorithm", training.algorithm, "exact or carma")
       ->check(CLI::IsMember({"exact", "carma"}).description(""))
       ->type_name("NAME")
       ->capture_default_str();
   command.add_flag("--one-pass", training.onePass, "With carma: upper bounds, no second pass");
-  command.add_option("--threads", training.threads, "Threads that mine; 0: all cores")
+  command.add_option("--threads", training.threads, "Threads that work; 0: all cores")
       ->check(CLI::Range(0, 1024).description(""))
       ->type_name("N")
       ->capture_default_str();

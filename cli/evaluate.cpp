@@ -212,6 +212,11 @@ void check(const EvaluateOptions& options) {
   if (!holdBackOf(options.holdBack))
     throw UsageError("--hold-back: " + options.holdBack +
                      " is neither last nor a share above 0 and below 1");
+  const bool isReady = !options.model.model.empty();
+  const bool trains = !options.training.include.empty() || !options.training.exclude.empty() ||
+                      options.training.onePass || !options.log.label.empty();
+  if (isReady && trains)
+    throw UsageError("--model is a ready one: options of training want --min-support");
   checkTraining(options.training);
 }
 

@@ -4,7 +4,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <optional>
 #include <unordered_set>
 #include <utility>
 
@@ -29,12 +28,12 @@ using SEQUENCE_NAMESPACE_800::TimedItemSet;
 
 const char* const kFooter =
     R"help(
-For each answer that `score` gives, every stored sequence of the history that proposes the item:
+For each answer that `score` gives to a history in its order of time, every stored sequence of the history that proposes the item:
   confidence, support, cause   as in the answer; the highest confidence wins, then support
   together, of                 customers that hold the sequence with the item, and the sequence
   skipped                      baskets left out at the end of the history (--all-prefixes)
-An item is a number, a label, or how a label begins. In --history and in texts of --input a history
-is read strictly: what is no item set is an error.
+In --took and --why an item is a number, a label, or how a label begins. In --history and in texts of
+--input a history is read strictly: what is no item set is an error.
 
 Examples:
   orbseq explain --model model.xml --took "tea,milk" --took bread --return future
@@ -107,7 +106,7 @@ std::vector<RankedProposal> shown(const std::vector<Proposal>& proposals, std::i
 }
 
 void check(const ExplainOptions& options) {
-  const int sources = (options.log.path.empty() ? 0 : 1) + (options.history.empty() ? 0 : 1) +
+  const int sources = (options.log.path.empty() ? 0 : 1) + (options.history ? 1 : 0) +
                       (options.took.empty() ? 0 : 1);
   if (sources != 1) throw UsageError("explain wants one of --input, --history and --took");
   if (options.log.path.empty() && !options.who.empty()) throw UsageError("--who wants --input");
@@ -179,7 +178,7 @@ ExitStatus runExplain(const ExplainOptions& options) {
   if (!options.log.path.empty())
     cases = casesOfLog(options, model);
   else
-    cases.push_back(options.took.empty() ? caseOfText(options.history)
+    cases.push_back(options.took.empty() ? caseOfText(*options.history)
                                          : caseOfBaskets(options.took, finder));
   Output output(options.output);
   const auto writer = ProposalWriter::make(formatOf(options), model.labels);

@@ -4,6 +4,7 @@
 #define CLI_EXPLAIN_H_
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,7 +21,7 @@ namespace orbseq {
 struct ExplainOptions {
   ModelOptions model;
   LogInput log;                        // the histories; no path: one of the two below
-  std::string history;                 // as text
+  std::optional<std::string> history;  // as text
   std::vector<std::string> took;       // baskets, oldest first: items separated by commas
   std::vector<std::string> who;        // customers to explain; empty: all
   std::string item;                    // explain this item alone; empty: every answer

@@ -29,8 +29,9 @@ namespace {
 const char* const kModuleFile = "liborbseq.so";
 
 const char* const kFooter =
-    R"help(An empty history asks for what most customers take. Items of logs and baskets are looked up in the
-model's labels: a label, its first word, or the item's number; others are counted and left out.
+    R"help(An empty history asks for what most customers take. Items of rows and baskets are looked up in the
+model's labels: a label, its first word, or the item's number; others are counted and left out. Items
+of spmf and of histories as text are numbers.
 
 Answers have the columns customer, rank, item, label, confidence, support, cause:
   confidence   of the customers with the history found, the share that took the item: 0 to 1

@@ -45,6 +45,9 @@ CompiledLattice::CompiledLattice(std::unique_ptr<const Storage> storage)
   items_ = at<Item>(image, layout.items);
   popular_ = at<ItemId>(image, layout.popular);
   lookup_ = at<ItemId>(image, layout.lookup);
+  lookupSize_ = header_->lookup;
+  leastItem_ = header_->items > 0 ? static_cast<std::uint32_t>(items_[0].number) : 0;
+  hasStrangers_ = header_->hasStrangers != 0;
 }
 
 CompiledLattice::~CompiledLattice() = default;
@@ -61,7 +64,8 @@ ItemId CompiledLattice::findSlowly(std::int32_t number) const noexcept {
   const Item* const found =
       std::lower_bound(items_, end, number,
                        [](const Item& item, std::int32_t wanted) { return item.number < wanted; });
-  return found != end && found->number == number ? static_cast<ItemId>(found - items_) : kNone;
+  if (found == end || found->number != number) return kNone;
+  return static_cast<ItemId>(found - items_) | (found->isKnown != 0 ? 0 : kStranger);
 }
 
 std::vector<std::pair<const char*, std::size_t>> CompiledLattice::bytesBySection() const {

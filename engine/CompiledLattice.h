@@ -2,10 +2,12 @@
 //
 // Shape. One block of bytes, which is also its stored form (engine/compiledForm.h), in sections:
 //
-//   nodes      20 bytes a stored sequence that has a counter, level by level, and one more that ends
+//   nodes      20 bytes a stored sequence that has a counter, level by level, and one more that
+//   ends
 //              the runs of the last; the empty sequence is none of them
 //   sets       1 byte a node: its number of item sets, and whether item sets grow above it
-//   climbs     8 bytes a link by which the search climbs: an item, and the node of the sequence that
+//   climbs     8 bytes a link by which the search climbs: an item, and the node of the sequence
+//   that
 //              has it in front. Of a node first those that open a new first item set (code 1), then
 //              those that join the first one (code 0), each by item
 //   proposals  8 bytes a link that an answer can name: an item, and the count of the longer
@@ -14,13 +16,14 @@
 //   items      16 bytes an item, by number
 //   popular    4 bytes an item, by popularity
 //   lookup     4 bytes a number from the least item to the greatest; empty where that would be more
-//              than kMostLookup for an item
+//              than kMostLookup in all and for an item
 //
-// A lattice of one-item sets comes to 20 + 1 + 8 + 8 bytes a sequence; an item set of k items in front
-// or at the end costs k links instead of one.
+// A lattice of one-item sets comes to 20 + 1 + 8 + 8 bytes a sequence; an item set of k items in
+// front or at the end costs k links instead of one.
 //
 // What is dropped: links whose longer sequence is not stored or has no counter, links at other
-// places, and proposals that no answer gives (a count of 0 below a fraction). Where the longest
+// places, climbs by items that are not stored alone, which histories are asked without, and
+// proposals that no answer gives (a count of 0 below a fraction). Where the longest
 // sequence has at most two items, nothing climbs, since the search then finds single items alone.
 //
 // Lifecycle. Made by compile() or read; never changed. It keeps nothing of the dictionary.
@@ -45,6 +48,8 @@ namespace orbseq::engine {
 using NodeId = std::uint32_t;
 using ItemId = std::uint32_t;
 constexpr std::uint32_t kNone = 0xFFFFFFFFU;
+// Added to the number of an item that is not stored alone.
+constexpr std::uint32_t kStranger = 0x80000000U;
 
 struct Node {
   std::int32_t count;       // customers that hold the sequence
@@ -103,16 +108,18 @@ struct Header {
   std::uint32_t items;
   std::uint32_t popular;
   std::uint32_t lookup;
-  std::uint32_t hasJoins;           // whether any climb joins an item set
+  std::uint32_t hasJoins;             // whether any climb joins an item set
   std::uint32_t levels[kLevels + 1];  // first node of the sequences of so many items
-  std::uint32_t unused[2];
+  std::uint32_t hasStrangers;         // whether any item is not stored alone
+  std::uint32_t unused;
 };
 static_assert(sizeof(Header) % 8 == 0);
 
 class ORBSEQ_EXPORT CompiledLattice {
  public:
-  // Numbers of the range from least to greatest item that may come to one item in the look-up.
-  static constexpr std::uint64_t kMostLookup = 16;
+  // Numbers from the least to the greatest item that the look-up may have, in all or for each item.
+  static constexpr std::uint64_t kMostLookup = 65536;
+  static constexpr std::uint64_t kMostLookupForItem = 16;
   static constexpr std::uint8_t kGrowsAbove = 0x80;  // in `sets`
 
   // Bytes that hold an image, and whatever they live in.
@@ -130,6 +137,7 @@ class ORBSEQ_EXPORT CompiledLattice {
 
   std::int32_t customers() const noexcept { return header_->customers; }
   bool hasJoins() const noexcept { return header_->hasJoins != 0; }
+  bool hasStrangers() const noexcept { return hasStrangers_; }
 
   // The node's end of runs is found in the one behind it.
   const Node* node(NodeId id) const noexcept { return nodes_ + id; }
@@ -147,12 +155,12 @@ class ORBSEQ_EXPORT CompiledLattice {
   // Items that are stored alone, with a counter: most customers first, greater numbers first among
   // equals.
   std::span<const ItemId> popular() const noexcept { return {popular_, header_->popular}; }
-  // kNone for an item that the lattice has nothing of.
+  // The item of that number, with kStranger where it is not stored alone; kNone, which is greater
+  // still, where the lattice has nothing of it.
   ItemId find(std::int32_t number) const noexcept {
-    if (header_->lookup == 0) return findSlowly(number);
-    const std::uint32_t offset =
-        static_cast<std::uint32_t>(number) - static_cast<std::uint32_t>(items_[0].number);
-    return offset < header_->lookup ? lookup_[offset] : kNone;
+    const std::uint32_t offset = static_cast<std::uint32_t>(number) - leastItem_;
+    if (offset < lookupSize_) return lookup_[offset];
+    return lookupSize_ > 0 ? kNone : findSlowly(number);
   }
 
   std::span<const std::byte> image() const noexcept { return storage_->bytes(); }
@@ -171,6 +179,9 @@ class ORBSEQ_EXPORT CompiledLattice {
   const Item* items_;
   const ItemId* popular_;
   const ItemId* lookup_;
+  std::uint32_t lookupSize_;
+  std::uint32_t leastItem_;
+  bool hasStrangers_;
 };
 
 // The sections of an image with that header. The header's numbers are trusted.

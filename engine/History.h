@@ -1,7 +1,7 @@
 // A customer's history as the engine reads it: item sets, oldest first, of items by their numbers.
 //
-// The items of a set ascend without duplicates; a set may be empty, and counts as one. Times play no
-// part in answers and are not kept. An object can be refilled without allocating anew.
+// The items of a set ascend without duplicates; a set may be empty, and counts as one. Times play
+// no part in answers and are not kept. An object can be refilled without allocating anew.
 //
 // Threads: as std::vector - any number of readers, or one writer.
 

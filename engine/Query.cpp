@@ -8,8 +8,6 @@ namespace {
 
 // A run of so many links for each different item of the history is searched, not gone through.
 constexpr std::size_t kManyLinks = 16;
-constexpr std::uint32_t kFewOccurrences = 8;  // gone through, not searched
-
 const Climb* findClimb(const Climb* begin, const Climb* end, ItemId item) noexcept {
   const Climb* const found = std::lower_bound(
       begin, end, item, [](const Climb& climb, ItemId wanted) { return climb.item < wanted; });
@@ -31,223 +29,205 @@ Query::Query(const CompiledLattice& lattice, Workspace& workspace, std::int32_t 
 }
 
 Query::~Query() {
-  for (const ItemId item : w_.distinct_) w_.first_[item] = kNone;
-  for (const ItemId item : w_.named_) w_.latest_[item] = 0;
+  for (Position position = 0; position < w_.itemCount_; ++position)
+    w_.last_[w_.items_[position]] = 0;
+  for (const ItemId item : w_.strangers_) w_.latest_[item] = 0;
   for (const Candidate& candidate : w_.candidates_) w_.candidate_[candidate.item] = kNone;
-  w_.distinct_.clear();
-  w_.named_.clear();
+  w_.itemCount_ = 0;
+  w_.strangers_.clear();
   w_.candidates_.clear();
   w_.matches_.clear();
 }
 
 // --- The history ---------------------------------------------------------------------------------
 
+void Query::addStranger(ItemId item, std::size_t set) {
+  if (w_.latest_[item] == 0) w_.strangers_.push_back(item);
+  w_.latest_[item] = static_cast<std::uint32_t>(set + 1);
+}
+
 // Keeps the items that the lattice stores alone, and the sets that have any.
-void Query::read(const History& history) {
-  w_.items_.clear();
+void Query::read(const History& history, Strangers strangers) {
+  if (w_.items_.size() < history.items()) w_.items_.resize(history.items());
+  if (w_.occurrences_.size() <= history.items()) w_.occurrences_.resize(history.items() + 1);
   w_.ends_.clear();
   w_.numbers_.clear();
+  ItemId* const items = w_.items_.data();
+  Workspace::Occurrence* const occurrences = w_.occurrences_.data();
+  Position* const lasts = w_.last_.data();
+  occurrences[0] = {0, 0, 0, 0};
+  const bool notes = strangers == Strangers::kNote && lattice_.hasStrangers();
   for (std::size_t k = 0; k < history.sets(); ++k) {
-    const std::size_t before = w_.items_.size();
+    const Position before = w_.itemCount_;
+    Position count = before;
     for (const std::int32_t number : history.set(k)) {
       const ItemId item = lattice_.find(number);
-      if (item != kNone && lattice_.item(item).isKnown != 0) w_.items_.push_back(item);
+      if (item >= kStranger) {
+        if (notes && item != kNone) addStranger(item - kStranger, k);
+        continue;
+      }
+      const Position previous = lasts[item];
+      const Workspace::Occurrence& last = occurrences[previous];
+      const Workspace::Occurrence& jumped = occurrences[last.jump];
+      const bool jumpsOn = last.rank - jumped.rank == jumped.rank - occurrences[jumped.jump].rank;
+      items[count] = item;
+      lasts[item] = ++count;
+      occurrences[count] = {previous, jumpsOn ? jumped.jump : previous, last.rank + 1, sets()};
+      w_.itemCount_ = count;  // what an exception leaves to be put right
     }
-    if (w_.items_.size() == before) continue;
-    w_.ends_.push_back(static_cast<std::uint32_t>(w_.items_.size()));
+    if (count == before) continue;
+    w_.ends_.push_back(count);
     w_.numbers_.push_back(static_cast<std::uint32_t>(k));
   }
 }
 
-// The last set of each item, known or not, from a set on.
-void Query::noteLatest(const History& history, std::size_t firstSet) {
-  for (std::size_t k = firstSet; k < history.sets(); ++k)
-    for (const std::int32_t number : history.set(k)) {
-      const ItemId item = lattice_.find(number);
-      if (item == kNone) continue;
-      if (w_.latest_[item] == 0) w_.named_.push_back(item);
-      w_.latest_[item] = static_cast<std::uint32_t>(k + 1);
-    }
-}
-
-// Where each known item occurs.
-void Query::index() {
-  w_.occurrences_.clear();
-  std::uint32_t set = 0;
-  for (std::uint32_t k = 0; k < w_.items_.size(); ++k) {
-    while (k == w_.ends_[set]) ++set;
-    const ItemId item = w_.items_[k];
-    if (w_.first_[item] == kNone) {
-      w_.occurrences_.push_back({0, 0});
-      w_.slot_[item] = static_cast<std::uint32_t>(w_.distinct_.size());
-      w_.distinct_.push_back(item);
-      w_.first_[item] = set;
-    }
-    ++w_.occurrences_[w_.slot_[item]].count;
-  }
-  if (w_.distinct_.size() == w_.items_.size()) return;  // the first are the only ones
-  std::uint32_t begin = 0;
-  for (auto& occurrences : w_.occurrences_) {
-    occurrences.begin = begin;
-    begin += occurrences.count;
-    occurrences.count = 0;
-  }
-  w_.positions_.resize(w_.items_.size());
-  set = 0;
-  for (std::uint32_t k = 0; k < w_.items_.size(); ++k) {
-    while (k == w_.ends_[set]) ++set;
-    auto& occurrences = w_.occurrences_[w_.slot_[w_.items_[k]]];
-    w_.positions_[occurrences.begin + occurrences.count++] = set;
-  }
-}
-
-// The latest set before `set` that holds the item. Requires that there is one.
-std::uint32_t Query::latestBefore(ItemId item, std::uint32_t set) const noexcept {
-  const auto& occurrences = w_.occurrences_[w_.slot_[item]];
-  if (occurrences.count == 1) return w_.first_[item];
-  const std::uint32_t* const begin = w_.positions_.data() + occurrences.begin;
-  const std::uint32_t* end = begin + occurrences.count;
-  if (occurrences.count > kFewOccurrences) return *(std::lower_bound(begin, end, set) - 1);
-  do --end;
-  while (*end >= set);
-  return *end;
-}
-
-bool Query::isIn(ItemId item, std::uint32_t set) const noexcept {
-  const std::uint32_t first = w_.first_[item];
-  return first == set || (first < set && latestBefore(item, set + 1) == set);
-}
-
 // --- The search ----------------------------------------------------------------------------------
 
-void Query::take(std::uint64_t steps) {
+inline void Query::take(std::uint64_t steps) {
   steps_ += steps;
   if (steps_ > w_.budget_) throw StepBudgetSpent(w_.budget_);
 }
 
-// Matches of sequences with one more item in front, in an earlier set.
-void Query::openSets(const Match& match, const Climb* begin, const Climb* end) {
-  if (match.place == 0) return;
-  const std::uint32_t* const first = w_.first_.data();
-  if (static_cast<std::size_t>(end - begin) > kManyLinks * w_.distinct_.size()) {
-    take(w_.distinct_.size());
-    for (const ItemId item : w_.distinct_)
-      if (first[item] < match.place)
-        if (const Climb* const climb = findClimb(begin, end, item))
-          w_.matches_.push_back({climb->node, latestBefore(item, match.place), match.size + 1});
-    return;
+// A sequence is to be worked on when it leads to something that is not known yet. In one search
+// only one that is joined can be reached more than once. When the history is searched again, with
+// an earlier last set, a sequence found before can stand in an earlier place.
+template <bool kAgain, Query::Reached kReached>
+inline void Query::reach(NodeId node, std::uint32_t place, std::uint32_t size) {
+  bool isNew = true;
+  if (kAgain ? !w_.visits_.empty() : kReached == Reached::kByJoining) {
+    Workspace::Visit& visit = w_.visits_[node];
+    isNew = visit.query != w_.query_;
+    if (!isNew && (!kAgain || visit.place == place || !lattice_.growsAbove(node))) return;
+    visit = {w_.query_, place};
   }
-  take(static_cast<std::uint64_t>(end - begin));
-  for (const Climb* climb = begin; climb != end; ++climb)
-    if (first[climb->item] < match.place)
-      w_.matches_.push_back(
-          {climb->node, latestBefore(climb->item, match.place), match.size + 1});
+  w_.matches_.push_back({node, place, static_cast<std::uint16_t>(size), isNew});
 }
 
-// Matches of sequences with one more item in the first set.
-void Query::joinSets(const Match& match, const Climb* begin, const Climb* end) {
-  const std::uint32_t setBegin = match.place == 0 ? 0 : w_.ends_[match.place - 1];
-  const std::uint32_t setEnd = w_.ends_[match.place];
-  if (static_cast<std::size_t>(end - begin) > kManyLinks * (setEnd - setBegin)) {
-    take(setEnd - setBegin);
-    for (std::uint32_t k = setBegin; k < setEnd; ++k)
-      if (const Climb* const climb = findClimb(begin, end, w_.items_[k]))
-        w_.matches_.push_back({climb->node, match.place, match.size + 1});
-    return;
-  }
-  take(static_cast<std::uint64_t>(end - begin));
-  for (const Climb* climb = begin; climb != end; ++climb)
-    if (isIn(climb->item, match.place))
-      w_.matches_.push_back({climb->node, match.place, match.size + 1});
-}
-
-// Whether a match leads to something that is not known yet; `isNew`: also itself. kAgain: the
-// history was searched before, with a later last set.
+// Reaches sequences with one more item in front, in an earlier set.
 template <bool kAgain>
-bool Query::isToWorkOn(const Match& match, bool& isNew) {
-  isNew = true;
-  if (w_.visits_.empty()) return true;
-  Workspace::Visit& visit = w_.visits_[match.node];
-  isNew = visit.query != w_.query_;
-  if (!isNew && (!kAgain || visit.place == match.place || !lattice_.growsAbove(match.node)))
-    return false;
-  visit = {w_.query_, match.place};
-  return true;
+void Query::openSets(const Match& match, const Climb* begin, const Climb* end) {
+  const Position bound = beginOf(match.place);
+  if (bound == 0 || begin == end) return;
+  const auto* const occurrences = w_.occurrences_.data();
+  const std::uint32_t size = match.size + 1U;
+  if (static_cast<std::size_t>(end - begin) > kManyLinks * bound) {
+    take(bound);
+    for (Position position = 1; position <= bound; ++position) {
+      const ItemId item = w_.items_[position - 1];
+      if (latest(item, bound) != position) continue;
+      if (const Climb* const climb = findClimb(begin, end, item))
+        reach<kAgain, Reached::kByOpening>(climb->node, occurrences[position].set, size);
+    }
+    return;
+  }
+  take(static_cast<std::uint64_t>(end - begin));
+  for (const Climb* climb = begin; climb != end; ++climb)
+    if (const Position position = latest(climb->item, bound); position != 0)
+      reach<kAgain, Reached::kByOpening>(climb->node, occurrences[position].set, size);
+}
+
+// Reaches sequences with one more item in the first set.
+template <bool kAgain>
+void Query::joinSets(const Match& match, const Climb* begin, const Climb* end) {
+  if (begin == end) return;
+  const Position bound = beginOf(match.place);
+  const Position last = w_.ends_[match.place];
+  const std::uint32_t size = match.size + 1U;
+  if (static_cast<std::size_t>(end - begin) > kManyLinks * (last - bound)) {
+    take(last - bound);
+    for (Position position = bound; position < last; ++position)
+      if (const Climb* const climb = findClimb(begin, end, w_.items_[position]))
+        reach<kAgain, Reached::kByJoining>(climb->node, match.place, size);
+    return;
+  }
+  take(static_cast<std::uint64_t>(end - begin));
+  for (const Climb* climb = begin; climb != end; ++climb)
+    if (latest(climb->item, last) > bound)
+      reach<kAgain, Reached::kByJoining>(climb->node, match.place, size);
 }
 
 template <bool kAgain>
 void Query::search(std::uint32_t last) {
-  const std::uint32_t begin = last == 0 ? 0 : w_.ends_[last - 1];
   const std::uint32_t items = w_.ends_[last];  // of the sets up to the last
-  for (std::uint32_t k = begin; k < items; ++k) {
-    const ItemId item = w_.items_[k];
+  for (Position position = beginOf(last); position < items; ++position) {
+    const ItemId item = w_.items_[position];
     // Where nothing joins, what ends in an item is all found from its last occurrence.
-    if (kAgain && w_.visits_.empty() && latestBefore(item, sets()) != last) continue;
+    if (kAgain && w_.visits_.empty() && w_.last_[item] != position + 1) continue;
     if (const NodeId node = lattice_.item(item).node; node != kNone)
-      w_.matches_.push_back({node, last, 1});
+      reach<kAgain, Reached::kBySeed>(node, last, 1);
   }
+  const Climb* const climbs = lattice_.climbs();
   while (!w_.matches_.empty()) {
     const Match match = w_.matches_.back();
     w_.matches_.pop_back();
-    bool isNew = true;
-    if (!isToWorkOn<kAgain>(match, isNew)) continue;
-    if (isNew) propose(match.node);
-    if (match.size >= items) continue;
     const Node* const node = lattice_.node(match.node);
-    const Climb* const climbs = lattice_.climbs();
-    openSets(match, climbs + node[0].climbs, climbs + node[0].joins);
-    joinSets(match, climbs + node[0].joins, climbs + node[1].climbs);
+    if (match.isNew != 0) propose(node);
+    if (match.size >= items) continue;
+    openSets<kAgain>(match, climbs + node[0].climbs, climbs + node[0].joins);
+    joinSets<kAgain>(match, climbs + node[0].joins, climbs + node[1].climbs);
   }
 }
 
 void Query::askCurrent(const History& history) {
-  read(history);
+  read(history, Strangers::kLeaveOut);
   if (sets() == 0) return;
-  index();
-  noteLatest(history, history.sets() - 1);
-  excluded_ = static_cast<std::uint32_t>(history.sets() - 1);
+  const std::size_t last = history.sets() - 1;
+  if (lattice_.hasStrangers())
+    for (const std::int32_t number : history.set(last))
+      if (const ItemId item = lattice_.find(number); item >= kStranger && item != kNone)
+        addStranger(item - kStranger, last);
+  // Items of the last set, known or not, are there already.
+  excluded_ = w_.numbers_.back() == last ? beginOf(sets() - 1) : w_.ends_.back();
+  excludedSet_ = static_cast<std::uint32_t>(last);
   search<false>(sets() - 1);
 }
 
 void Query::askWhole(const History& history) {
-  read(history);
+  read(history, Strangers::kLeaveOut);
   if (sets() == 0) return;
-  index();
-  excluded_ = static_cast<std::uint32_t>(history.sets());
+  excluded_ = w_.ends_.back();
+  excludedSet_ = static_cast<std::uint32_t>(history.sets());
   search<false>(sets() - 1);
 }
 
 void Query::askBeginnings(const History& history) {
-  read(history);
+  read(history, Strangers::kNote);
   if (sets() == 0) return;
-  index();
-  noteLatest(history, 0);
-  excluded_ = static_cast<std::uint32_t>(history.sets());
+  excluded_ = w_.ends_.back();
+  excludedSet_ = static_cast<std::uint32_t>(history.sets());
   for (std::uint32_t last = sets(); last-- > 0;) {
     search<true>(last);
-    // The beginning that ends before this set excludes least of those that end in the next one.
-    excluded_ = w_.numbers_[last];
+    // Of the beginnings that end in the set before, the longest excludes least: all from here on.
+    excluded_ = beginOf(last);
+    excludedSet_ = w_.numbers_[last];
   }
 }
 
 // --- Answers -------------------------------------------------------------------------------------
 
-void Query::propose(NodeId id) {
-  const Node* const node = lattice_.node(id);
+void Query::propose(const Node* node) {
   const bool joins = place_ == Place::kJoinsLastSet;
-  const Proposal* proposal = lattice_.proposals() + (joins ? node[0].proposals : node[0].opens);
+  const Proposal* const begin = lattice_.proposals() + (joins ? node[0].proposals : node[0].opens);
   const Proposal* const end = lattice_.proposals() + (joins ? node[0].opens : node[1].proposals);
-  if (proposal == end) return;
+  if (begin == end) return;
   take(1);
-  const double count = node->count;
-  for (; proposal != end; ++proposal) {
+  const auto isSeen = [this](ItemId item) { return w_.last_[item] > excluded_; };
+  if (!lattice_.hasStrangers()) return proposeRun(begin, end, node->count, isSeen);
+  proposeRun(begin, end, node->count, [this, isSeen](ItemId item) {
+    return isSeen(item) || w_.latest_[item] > excludedSet_;
+  });
+}
+
+template <class IsExcluded>
+inline void Query::proposeRun(const Proposal* begin, const Proposal* end, double count,
+                              IsExcluded isExcluded) {
+  for (const Proposal* proposal = begin; proposal != end; ++proposal) {
     const double confidence = proposal->count / count;
     if (confidence < bar_) {
       if (count > 0.0) break;  // those that follow have less still
       continue;
     }
-    if (w_.latest_[proposal->item] <= excluded_)
-      offer(proposal->item, confidence, proposal->count);
+    if (!isExcluded(proposal->item)) offer(proposal->item, confidence, proposal->count);
   }
 }
 
@@ -292,17 +272,37 @@ void Query::raiseBar() {
   nextBar_ = std::max(nextBar_, 2 * kept);
 }
 
-void Query::appendTo(Answers& out) {
+// Puts the best of the candidates in order; how many.
+std::size_t Query::rank() {
+  const auto isBefore = [](const Candidate& a, const Candidate& b) {
+    return a.confidence != b.confidence ? a.confidence > b.confidence : a.item > b.item;
+  };
   const std::size_t count = std::min(maxCount_, w_.candidates_.size());
-  const auto first = w_.candidates_.begin();
-  std::partial_sort(first, first + static_cast<std::ptrdiff_t>(count), w_.candidates_.end(),
-                    [](const Candidate& a, const Candidate& b) {
-                      return a.confidence != b.confidence ? a.confidence > b.confidence
-                                                          : a.item > b.item;
-                    });
+  if (count > kFewRanks) {
+    w_.ranked_.resize(count);
+    std::partial_sort_copy(w_.candidates_.begin(), w_.candidates_.end(), w_.ranked_.begin(),
+                           w_.ranked_.end(), isBefore);
+    return count;
+  }
+  // A few are kept in order from the beginning; most others are not among them.
+  w_.ranked_.resize(kFewRanks + 1);
+  Candidate* const ranked = w_.ranked_.data();
+  std::size_t kept = 0;
+  for (const Candidate& candidate : w_.candidates_) {
+    if (kept == count && isBefore(ranked[kept - 1], candidate)) continue;
+    std::size_t place = kept < count ? kept++ : count - 1;
+    for (; place > 0 && isBefore(candidate, ranked[place - 1]); --place)
+      ranked[place] = ranked[place - 1];
+    ranked[place] = candidate;
+  }
+  return count;
+}
+
+void Query::appendTo(Answers& out) {
+  const std::size_t count = rank();
   out.reserve(out.size() + count);  // the last step that can throw
   for (std::size_t k = 0; k < count; ++k) {
-    const Candidate& candidate = w_.candidates_[k];
+    const Candidate& candidate = w_.ranked_[k];
     const Item& item = lattice_.item(candidate.item);
     const double together = candidate.count;
     out.emplace_back(item.number, together / customers_, candidate.confidence,

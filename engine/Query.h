@@ -35,35 +35,55 @@ class Query {
   using Match = Workspace::Match;
   using Candidate = Workspace::Candidate;
   static constexpr std::size_t kFewCandidates = 64;  // below, a cut is not looked for
+  static constexpr std::size_t kFewRanks = 32;       // put in order by insertion
 
-  void read(const History& history);
-  void noteLatest(const History& history, std::size_t firstSet);
-  void index();
+  using Position = Workspace::Position;
+
+  // What is done with strangers: nothing, or their last set is noted.
+  enum class Strangers { kLeaveOut, kNote };
+  void read(const History& history, Strangers strangers);
+  void addStranger(ItemId item, std::size_t set);
+
   std::uint32_t sets() const noexcept { return static_cast<std::uint32_t>(w_.ends_.size()); }
-  std::uint32_t latestBefore(ItemId item, std::uint32_t set) const noexcept;
-  bool isIn(ItemId item, std::uint32_t set) const noexcept;
+  Position beginOf(std::uint32_t set) const noexcept { return set == 0 ? 0 : w_.ends_[set - 1]; }
+  // The latest occurrence at or before a position; 0: none.
+  Position latest(ItemId item, Position bound) const noexcept {
+    Position position = w_.last_[item];
+    while (position > bound) {
+      const auto& occurrence = w_.occurrences_[position];
+      position = occurrence.jump > bound ? occurrence.jump : occurrence.previous;
+    }
+    return position;
+  }
 
   template <bool kAgain>
   void search(std::uint32_t last);
-  void openSets(const Match& match, const Climb* begin, const Climb* end);
-  void joinSets(const Match& match, const Climb* begin, const Climb* end);
-  void take(std::uint64_t steps);
   template <bool kAgain>
-  bool isToWorkOn(const Match& match, bool& isNew);
-
-  void propose(NodeId id);
+  void openSets(const Match& match, const Climb* begin, const Climb* end);
+  template <bool kAgain>
+  void joinSets(const Match& match, const Climb* begin, const Climb* end);
+  enum class Reached { kBySeed, kByOpening, kByJoining };
+  template <bool kAgain, Reached kReached>
+  void reach(NodeId node, std::uint32_t place, std::uint32_t size);
+  void take(std::uint64_t steps);
+  void propose(const Node* node);
+  template <class IsExcluded>
+  void proposeRun(const Proposal* begin, const Proposal* end, double count, IsExcluded isExcluded);
   void offer(ItemId item, double confidence, std::int32_t count);
   void raiseBar();
+  std::size_t rank();
 
   const CompiledLattice& lattice_;
   Workspace& w_;
   const std::size_t maxCount_;
   const Place place_;
   const double customers_;
-  double bar_;                   // confidence below which a proposal cannot be an answer
-  std::uint32_t excluded_ = 0;   // items seen in a set of a greater number are not proposed
+  double bar_;             // confidence below which a proposal cannot be an answer
+  Position excluded_ = 0;  // known items seen behind it are not proposed,
+  std::uint32_t excludedSet_ =
+      0;  // nor strangers in a set of this number, from 0, or a greater one
   std::uint64_t steps_ = 0;
-  std::size_t nextBar_ = 0;      // candidates at which the bar is looked for again
+  std::size_t nextBar_ = 0;  // candidates at which the bar is looked for again
 };
 
 }  // namespace orbseq::engine

@@ -15,11 +15,10 @@ StepBudgetSpent::~StepBudgetSpent() = default;
 
 void Workspace::fit(const CompiledLattice& lattice) {
   const std::size_t items = lattice.itemCount();
-  if (first_.size() < items) {
-    first_.resize(items, kNone);
+  if (last_.size() < items) {
+    last_.resize(items, 0);
     latest_.resize(items, 0);
     candidate_.resize(items, kNone);
-    slot_.resize(items, 0);
   }
   if (!lattice.hasJoins()) {
     visits_.clear();

@@ -30,22 +30,30 @@ class ORBSEQ_EXPORT StepBudgetSpent : public std::runtime_error {
 
 class ORBSEQ_EXPORT Workspace {
  public:
-  // A query takes a step for each link of a sequence that it finds. Without a call there is no limit.
+  // A query takes a step for each link of a sequence that it finds. Without a call there is no
+  // limit.
   void setStepBudget(std::uint64_t steps) noexcept { budget_ = steps; }
 
  private:
   friend class Query;
 
-  // The occurrences of an item in the history's known sets.
-  struct Occurrences {
-    std::uint32_t begin;  // in positions_
-    std::uint32_t count;
+  // A place in items_, counted from 1; 0: none.
+  using Position = std::uint32_t;
+  // An item in a set. Jumps lead to earlier occurrences of the same item, further the more there
+  // are, so that one of any time is found in logarithmic steps (Myers, An applicative random-access
+  // stack, 1983).
+  struct Occurrence {
+    Position previous;
+    Position jump;
+    std::uint32_t rank;  // among the item's occurrences, from 1
+    std::uint32_t set;   // of the known sets
   };
   // A sequence found, of so many items, whose first item set is matched to a set.
   struct Match {
     NodeId node;
     std::uint32_t place;
-    std::uint32_t size;
+    std::uint16_t size;   // at most 31
+    std::uint16_t isNew;  // whether it was not found before, in a later place
   };
   struct Visit {
     std::uint32_t query;  // in which the node was met last
@@ -62,24 +70,23 @@ class ORBSEQ_EXPORT Workspace {
   std::uint64_t budget_ = std::numeric_limits<std::uint64_t>::max();
 
   // [items] of the lattice; all as here between two queries.
-  std::vector<std::uint32_t> first_;      // first known set that holds the item; kNone: none
-  std::vector<std::uint32_t> latest_;     // last set that holds it, counted from 1; 0: none
+  std::vector<Position> last_;            // last occurrence of a known item; 0: none
+  std::vector<std::uint32_t> latest_;     // of a stranger: the last set, counted from 1; 0: none
   std::vector<std::uint32_t> candidate_;  // index in candidates_; kNone: none
-  std::vector<ItemId> named_;             // items whose latest_ is set
+  std::vector<ItemId> strangers_;         // items whose latest_ is set
 
   // The history's known sets: those that hold items which the lattice stores alone, and these.
-  std::vector<ItemId> items_;           // set after set, ascending
-  std::vector<std::uint32_t> ends_;     // one past each set's last item
+  std::vector<ItemId> items_;            // [itemCount_ or more] set after set, ascending
+  std::vector<Occurrence> occurrences_;  // [itemCount_ + 1 or more] by position; the first is none
+  Position itemCount_ = 0;
+  std::vector<Position> ends_;          // one past each set's last item
   std::vector<std::uint32_t> numbers_;  // of each set in the whole history
-  std::vector<ItemId> distinct_;        // items whose first_ is set
-  std::vector<Occurrences> occurrences_;   // [distinct]
-  std::vector<std::uint32_t> slot_;        // [items] of the lattice: index in distinct_
-  std::vector<std::uint32_t> positions_;   // known sets of each distinct item, ascending
 
   std::vector<Match> matches_;  // to be worked on
   std::vector<Visit> visits_;   // [nodes] where the lattice has joins
   std::uint32_t query_ = 0;
   std::vector<Candidate> candidates_;
+  std::vector<Candidate> ranked_;
   std::vector<double> confidences_;
 };
 

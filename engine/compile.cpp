@@ -145,13 +145,14 @@ class Compiler {
     sets_.push_back(static_cast<std::uint8_t>(sets));
     links_.clear();
     longer_.clear();
-    const bool canClimb = largest_ > kSmallLattice && key.size() < largest_ &&
-                          key.size() + 1 < NTSequence::kMaxItems;
+    const bool canClimb =
+        largest_ > kSmallLattice && key.size() < largest_ && key.size() + 1 < NTSequence::kMaxItems;
     const bool canPropose = header_.customers != 0 && entry.value->getCount() != 0;
     const auto* const adjacent = entry.value->getAdjacentItems();
     if (adjacent != nullptr && key.size() < NTSequence::kMaxItems)
       for (const auto& [item, code] : *adjacent) {
-        const bool climbs = canClimb && (code == kJoinsFirstSet || code == kOpensFirstSet);
+        const bool climbs =
+            canClimb && (code == kJoinsFirstSet || code == kOpensFirstSet) && isKnown(item);
         const bool proposes =
             canPropose && (code == 2 * (sets - 1) || code == 2 * sets + 1) && hasCause(item);
         if ((!climbs && !proposes) || !key.isPosition(code)) continue;
@@ -162,11 +163,16 @@ class Compiler {
     appendRuns(*entry.value, sets, counted(nodes_.size()));
   }
 
+  bool isKnown(std::int32_t item) const {
+    return std::binary_search(singles_.begin(), singles_.end(), Item{item, 0, 0, 0},
+                              [](const Item& a, const Item& b) { return a.number < b.number; });
+  }
+
   // Whether the item's count leaves a fraction: 0 customers that hold it alone do not.
   bool hasCause(std::int32_t item) const {
-    const auto single = std::lower_bound(
-        singles_.begin(), singles_.end(), item,
-        [](const Item& one, std::int32_t wanted) { return one.number < wanted; });
+    const auto single =
+        std::lower_bound(singles_.begin(), singles_.end(), item,
+                         [](const Item& one, std::int32_t wanted) { return one.number < wanted; });
     return single == singles_.end() || single->number != item || single->node == kNone ||
            single->count != 0;
   }
@@ -259,19 +265,20 @@ class Compiler {
   // Numbers from the least item to the greatest, where that is not too many.
   std::uint32_t lookupSize() const noexcept {
     if (items_.empty()) return 0;
-    const auto range = static_cast<std::uint64_t>(std::int64_t{items_.back().number} -
-                                                  items_.front().number + 1);
-    return range <= CompiledLattice::kMostLookup * items_.size()
+    const auto range =
+        static_cast<std::uint64_t>(std::int64_t{items_.back().number} - items_.front().number + 1);
+    return range <= std::max(CompiledLattice::kMostLookup,
+                             CompiledLattice::kMostLookupForItem * items_.size())
                ? static_cast<std::uint32_t>(range)
                : 0;
   }
 
   ItemId idOf(std::int32_t number) const noexcept {
-    return static_cast<ItemId>(
-        std::lower_bound(
-            items_.begin(), items_.end(), number,
-            [](const Item& item, std::int32_t wanted) { return item.number < wanted; }) -
-        items_.begin());
+    return static_cast<ItemId>(std::lower_bound(items_.begin(), items_.end(), number,
+                                                [](const Item& item, std::int32_t wanted) {
+                                                  return item.number < wanted;
+                                                }) -
+                               items_.begin());
   }
 
   CompiledLattice image() {
@@ -286,6 +293,7 @@ class Compiler {
     header_.items = counted(items_.size());
     header_.popular = counted(popular.size());
     header_.lookup = lookupSize();
+    header_.hasStrangers = items_.size() > singles_.size() ? 1 : 0;
     const Layout layout = layoutOf(header_);
     header_.bytes = layout.bytes;
     auto block = std::make_unique<Block>(layout.bytes);
@@ -307,7 +315,8 @@ class Compiler {
     auto* const lookup = reinterpret_cast<ItemId*>(bytes + layout.lookup);
     std::fill_n(lookup, header_.lookup, kNone);
     for (ItemId id = 0; header_.lookup > 0 && id < items_.size(); ++id)
-      lookup[std::int64_t{items_[id].number} - items_.front().number] = id;
+      lookup[std::int64_t{items_[id].number} - items_.front().number] =
+          id | (items_[id].isKnown != 0 ? 0 : kStranger);
     std::memcpy(bytes, &header_, sizeof header_);
     header_.checksum = checksumOf(block->bytes());
     std::memcpy(bytes, &header_, sizeof header_);

@@ -73,7 +73,8 @@ void checkNodes(std::span<const Node> nodes, const Header& header, std::uint64_t
 void checkClimbs(std::span<const Node> nodes, std::span<const Climb> climbs, const Header& header,
                  std::uint64_t offset) {
   for (std::size_t size = 0; size <= Header::kLevels; ++size)
-    if (header.levels[size] > header.nodes || (size > 0 && header.levels[size] < header.levels[size - 1]))
+    if (header.levels[size] > header.nodes ||
+        (size > 0 && header.levels[size] < header.levels[size - 1]))
       refuse(offsetof(Header, levels), "the levels do not follow each other");
   if (header.levels[0] != 0 || header.levels[1] != 0 ||
       header.levels[Header::kLevels] != header.nodes)
@@ -92,6 +93,10 @@ void checkClimbs(std::span<const Node> nodes, std::span<const Climb> climbs, con
 
 void checkItems(std::span<const Item> items, const Header& header, std::uint64_t offset) {
   const std::uint32_t singles = header.levels[2];
+  std::size_t strangers = 0;
+  for (const Item& item : items) strangers += item.isKnown == 0 ? 1 : 0;
+  if (header.items >= kStranger || (strangers > 0) != (header.hasStrangers == 1))
+    refuse(offsetof(Header, hasStrangers), "the number of items is not what it should be");
   for (std::size_t i = 0; i < items.size(); ++i)
     if ((i > 0 && items[i].number <= items[i - 1].number) || items[i].isKnown > 1 ||
         (items[i].node != kNone && (items[i].node >= singles || items[i].isKnown == 0)))
@@ -103,11 +108,13 @@ void checkLookup(std::span<const ItemId> lookup, std::span<const Item> items,
   if (lookup.empty()) return;
   std::size_t item = 0;
   for (std::size_t i = 0; i < lookup.size(); ++i) {
-    const bool isItem = item < items.size() &&
-                        static_cast<std::uint32_t>(items[item].number) -
-                                static_cast<std::uint32_t>(items[0].number) ==
-                            i;
-    if (lookup[i] != (isItem ? static_cast<ItemId>(item) : kNone))
+    const bool isItem =
+        item < items.size() && static_cast<std::uint32_t>(items[item].number) -
+                                       static_cast<std::uint32_t>(items[0].number) ==
+                                   i;
+    const ItemId wanted =
+        isItem ? static_cast<ItemId>(item) | (items[item].isKnown != 0 ? 0 : kStranger) : kNone;
+    if (lookup[i] != wanted)
       refuse(offset + i * sizeof(ItemId), "the look-up of items does not fit them");
     item += isItem ? 1 : 0;
   }

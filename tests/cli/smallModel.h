@@ -4,6 +4,7 @@
 #define TESTS_CLI_SMALLMODEL_H_
 
 #include <algorithm>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -62,6 +63,21 @@ class SmallModels {
 
   TempFolder folder;
 };
+
+// A lattice document without the empty level that closes it, so that its highest level is hidden.
+inline std::string unclosed(std::string document) {
+  const std::string level = "<LatticeLevel level=\"";
+  const std::string size = "maxSequenceSize=\"";
+  const std::size_t last = document.rfind(level);
+  const int highest = std::stoi(document.substr(last + level.size()));
+  const std::size_t end = document.find("/>", last);
+  if (document.compare(end - 4, 4, "=\"0\"") != 0) throw std::runtime_error("no empty level");
+  document.erase(last, end + 2 - last);
+  const std::size_t announced = document.find(size + std::to_string(highest) + "\"");
+  document.replace(announced + size.size(), std::to_string(highest).size(),
+                   std::to_string(highest - 1));
+  return document;
+}
 
 inline auto linesIn(const std::string& text) { return std::count(text.begin(), text.end(), '\n'); }
 

@@ -4,10 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "tests/cli/Program.h"
+#include "tests/cli/logForms.h"
 #include "tests/cli/smallModel.h"
 
 namespace {
@@ -227,6 +229,150 @@ TEST(Train, FilesTellTheirForm) {
   EXPECT_EQ(outcome.status, 0) << outcome.error;
   EXPECT_THAT(contentOf(model), StartsWith("<?xml"));
   EXPECT_EQ(sequencesOf(model), kSequences);
+}
+
+// The sequences of an output of `orbseq inspect --sequences` whose items all pass.
+template <class Passes>
+std::string restricted(const std::string& sequences, Passes passes) {
+  std::string kept, line;
+  std::istringstream lines(sequences);
+  while (std::getline(lines, line)) {
+    std::istringstream words(line.substr(0, line.find(" #SUP")));
+    bool isKept = true;
+    for (int word = 0; words >> word;) isKept = isKept && (word == -1 || passes(word));
+    if (isKept) kept += line + "\n";
+  }
+  return kept;
+}
+
+TEST(Train, IncludedItemsRestrictTheSequences) {
+  const TempFolder folder;
+  const std::string log = largeLog();
+  const Arguments common = {"--min-support", "60", "--max-items", "3"};
+  const auto sequences = [&](const Arguments& more) {
+    Arguments options = common;
+    options.insert(options.end(), more.begin(), more.end());
+    const Outcome outcome = train(folder.path("m.bin"), options, log);
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    return sequencesOf(folder.path("m.bin"));
+  };
+  const auto isOneOf = [](int item) { return item == 1 || item == 3 || item == 7; };
+  const std::string all = sequences({});
+
+  const std::string included = sequences({"--include", "7", "--include", "1", "--include", "3"});
+  const std::string excluded = sequences({"--exclude", "3", "--exclude", "1", "--exclude", "7"});
+  const std::string both = sequences({"--include", "1", "--include", "3", "--exclude", "3"});
+
+  EXPECT_EQ(included, restricted(all, isOneOf));
+  EXPECT_EQ(excluded, restricted(all, [&](int item) { return !isOneOf(item); }));
+  EXPECT_EQ(both, restricted(all, [](int item) { return item == 1; }));
+  EXPECT_GT(linesIn(included), 20);
+  EXPECT_GT(linesIn(excluded), linesIn(included));
+  EXPECT_GT(linesIn(both), 1);
+}
+
+TEST(Train, ItemsAreIncludedByLabelFirstWordAndNumber) {
+  const std::string log =
+      "customer,time,item,name\n"
+      "a,1,tea,green\na,2,pot,\na,2,milk,\nb,1,tea,green\nb,2,pot,\nb,3,milk,\n";
+  const TempFolder folder;
+  const auto sequences = [&](const Arguments& more) {
+    Arguments options = {"--min-support", "2", "--label", "name"};
+    options.insert(options.end(), more.begin(), more.end());
+    EXPECT_EQ(train(folder.path("m.xml"), options, log).status, 0);
+    return sequencesOf(folder.path("m.xml"), {"--labels"});
+  };
+  const char* const kWithoutMilk =
+      "pot -1 #SUP: 2\n\"tea green\" -1 #SUP: 2\n\"tea green\" -1 pot -1 #SUP: 2\n";
+
+  EXPECT_EQ(sequences({"--include", "tea green", "--include", "pot"}), kWithoutMilk);
+  EXPECT_EQ(sequences({"--include", "tea", "--include", "2"}), kWithoutMilk);  // 2 is pot
+  EXPECT_EQ(sequences({"--exclude", "milk"}), kWithoutMilk);
+  EXPECT_EQ(sequences({"--exclude", "1"}), kWithoutMilk);
+}
+
+TEST(Train, AnItemThatNothingIsCalledIsWrongUsage) {
+  const TempFolder folder;
+  for (const char* option : {"--include", "--exclude"}) {
+    const Outcome outcome = train(folder.path("m.xml"), {"--min-support", "2", option, "tea"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.error, std::string("orbseq: ") + option +
+                                 ": \"tea\" is neither a label nor an item from 0 to "
+                                 "2147483647\n");
+    EXPECT_EQ(folder.entries(), 0U);
+  }
+}
+
+// The purchases of kLog.
+const Purchases kPurchases = {{{1, 2}, {3}}, {{1}, {3}}, {{1, 2}}, {{3}, {1}}};
+
+TEST(Train, EveryFormOfALogMakesTheSameModel) {
+  const LogForms forms(kPurchases);
+  for (const char* form : {"document", "binary"}) {
+    std::string expected;
+    for (const Arguments& input : forms.inputs()) {
+      const TempFolder folder;
+      const std::string model = folder.path("model");
+      Arguments arguments = {"train", "--min-support", "2", "--to", form, "--output", model};
+      arguments.insert(arguments.end(), input.begin(), input.end());
+
+      const Outcome outcome = run(arguments);
+
+      ASSERT_EQ(outcome.status, 0) << testing::PrintToString(input) << outcome.error;
+      EXPECT_EQ(folder.entries(), 1U) << testing::PrintToString(input);
+      if (expected.empty()) expected = contentOf(model);
+      EXPECT_TRUE(contentOf(model) == expected) << form << ' ' << testing::PrintToString(input);
+      EXPECT_EQ(sequencesOf(model), kSequences) << form << ' ' << testing::PrintToString(input);
+    }
+  }
+}
+
+TEST(Train, TheSummaryTellsLimitsOfLength) {
+  const TempFolder folder;
+  const auto summary = [&](Arguments options) {
+    options.insert(options.end(), {"--min-support", "2"});
+    return train(folder.path("m.xml"), options).error;
+  };
+  EXPECT_THAT(summary({"--max-items", "3"}),
+              HasSubstr("looked at up to 3 items, 31 item sets, 31 items in a set\n"));
+  EXPECT_THAT(summary({"--max-sets", "2", "--max-items-per-set", "1"}),
+              HasSubstr("looked at up to 31 items, 2 item sets, 1 items in a set\n"));
+  EXPECT_THAT(summary({}), Not(HasSubstr("looked at")));
+}
+
+TEST(Train, ADatabaseAndAQueryWantEachOther) {
+  const LogForms forms(kPurchases);
+  const TempFolder folder;
+  const std::string model = folder.path("m.xml");
+  const Outcome withoutQuery = run(
+      {"train", "--input", forms.folder().path("log.db"), "--min-support", "2", "--output", model});
+  const Outcome withoutDatabase = train(model, {"--min-support", "2", "--query", "SELECT 1"});
+  EXPECT_EQ(withoutQuery.status, 1);
+  EXPECT_EQ(withoutQuery.error,
+            "orbseq: --query: a database wants the statement whose rows are read\n");
+  EXPECT_EQ(withoutDatabase.status, 1);
+  EXPECT_EQ(withoutDatabase.error, "orbseq: --query wants --input-format sqlite\n");
+  EXPECT_EQ(folder.entries(), 0U);
+}
+
+TEST(Train, EveryFormOfALogIsScoredAsItsHistories) {
+  const LogForms forms({{{102}}, {{102, 301}, {102}}, {{201}, {203}}, {{104}, {105}, {101, 302}}});
+  const std::string histories = forms.folder().path("histories.csv");
+  for (const char* kind : {"current", "future"}) {
+    const Arguments common = {"score", "--model", ORBSEQ_SOURCE_DIR "/examples/shop/lattice.xml",
+                              "--return", kind};
+    const auto answers = [&common](const Arguments& input) {
+      Arguments arguments = common;
+      arguments.insert(arguments.end(), input.begin(), input.end());
+      const Outcome outcome = run(arguments);
+      EXPECT_EQ(outcome.status, 0) << testing::PrintToString(input) << outcome.error;
+      return outcome.output;
+    };
+    const std::string expected = answers({"--input", histories});
+    EXPECT_GT(linesIn(expected), 10) << kind;
+    for (const Arguments& input : forms.inputs())
+      EXPECT_EQ(answers(input), expected) << kind << ' ' << testing::PrintToString(input);
+  }
 }
 
 }  // namespace
