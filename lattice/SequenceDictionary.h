@@ -226,6 +226,11 @@ class ORBSEQ_EXPORT SequenceDictionary : public SequenceSemiLattice {
   std::uint64_t readObjectXML(std::fstream& file);
   std::uint64_t readObjectXML(std::fstream& file, const char* name);
 
+ protected:
+  // Gives array and tables back to the caller of the constructor that took them; nothing is stored
+  // then. For makers that fail behind that constructor.
+  void disownTables() noexcept;
+
  private:
   void createDictionary(const SeqDictionarySettings& settings);
   void defineLevel0();

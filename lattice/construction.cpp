@@ -93,6 +93,11 @@ void SequenceDictionary::destroy() noexcept {
   scratch_ = nullptr;
 }
 
+void SequenceDictionary::disownTables() noexcept {
+  levels_ = nullptr;
+  numLevels_ = 0;
+}
+
 // Everything is made on owned values first, so that a failure leaves the dictionary as it was.
 void SequenceDictionary::createDictionary(const SeqDictionarySettings& settings) {
   const std::int32_t n = std::max(settings.numLevels, 0);

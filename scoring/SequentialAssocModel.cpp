@@ -4,9 +4,12 @@
 #include <utility>
 #include <vector>
 
+#include "engine/Pool.h"
+#include "engine/Recommender.h"
+#include "engine/caseText.h"
+#include "engine/compile.h"
 #include "lattice/SequenceDictionary.h"
 #include "scoring/CaseFields.h"
-#include "scoring/CaseText.h"
 #include "scoring/SequentialResult.h"
 #include "scoring/VectorValue.h"
 #include "scoring/hostapi/DictVar.h"
@@ -19,7 +22,6 @@ namespace {
 
 using SEQUENCE_NAMESPACE_800::HashtableSQPair;
 using SEQUENCE_NAMESPACE_800::SeqConsequentDescriptor;
-using SEQUENCE_NAMESPACE_800::Sequence;
 using ItemList = VectorValue<SeqConsequentDescriptor>;
 
 constexpr int kShownPerLevel = 20;
@@ -41,19 +43,72 @@ void refill(SequentialResult& result, const std::vector<SeqConsequentDescriptor>
     result.SetPrediction(new ItemList(items));
 }
 
+// Deliberate: the status is always success; scoring never fails outward.
+OrbScore::OrbStatus fill(OrbScore::ScoreResult*& result, const CaseFields& fields,
+                         const std::vector<SeqConsequentDescriptor>& items) {
+  auto* own = dynamic_cast<SequentialResult*>(result);
+  if (own != nullptr) {
+    refill(*own, items);
+  } else {
+    own = newResult(items).release();
+    delete std::exchange(result, own);  // the new result is complete before the old one goes
+  }
+  own->SetTargetVarName(fields.futureItems ? kFutureItems : kCurrentItems);
+  return {};
+}
+
 }  // namespace
 
 class SequentialAssocModel::Lattice final : public SEQUENCE_NAMESPACE_800::SequenceDictionary {
  public:
+  using SequenceDictionary::disownTables;
   using SequenceDictionary::SequenceDictionary;
 };
 
-SequentialAssocModel::SequentialAssocModel() : defaultSequence_(std::make_unique<Sequence>()) {}
+class SequentialAssocModel::Engine {
+ public:
+  // What one case takes.
+  struct Scratch {
+    orbseq::engine::History history;
+    orbseq::engine::Workspace workspace;
+    orbseq::engine::Answers items;
+  };
+  using Borrowed = orbseq::engine::Pool<Scratch>::Borrowed;
+
+  explicit Engine(const Lattice& lattice)
+      : compiled_(orbseq::engine::compile(lattice)), recommender_(compiled_) {}
+
+  Borrowed borrow() const { return Borrowed(pool_); }
+
+  void answer(const CaseFields& fields, Scratch& scratch) const {
+    scratch.history.clear();
+    orbseq::engine::appendCaseText(fields.history, scratch.history);
+    if (fields.futureItems)
+      recommender_.futureItems(scratch.history, fields.maxReturn, fields.wholeOnly,
+                               scratch.workspace, scratch.items);
+    else
+      recommender_.currentItems(scratch.history, fields.maxReturn, scratch.workspace,
+                                scratch.items);
+  }
+
+ private:
+  orbseq::engine::CompiledLattice compiled_;
+  orbseq::engine::Recommender recommender_;
+  mutable orbseq::engine::Pool<Scratch> pool_;
+};
+
+SequentialAssocModel::SequentialAssocModel() = default;
 
 SequentialAssocModel::SequentialAssocModel(HashtableSQPair** tables, std::int32_t levelCount)
-    : SequentialAssocModel() {
-  lattice_ = std::make_unique<Lattice>(tables, levelCount);
-  levelCount_ = levelCount;
+    : levelCount_(levelCount) {
+  auto lattice = std::make_unique<Lattice>(tables, levelCount);
+  try {
+    engine_ = std::make_unique<const Engine>(*lattice);
+  } catch (...) {
+    lattice->disownTables();
+    throw;
+  }
+  lattice_ = std::move(lattice);
 }
 
 SequentialAssocModel::~SequentialAssocModel() = default;
@@ -67,31 +122,11 @@ OrbScore::ScoreDictionary* SequentialAssocModel::GetVarsOfRole(VarRole) const { 
 OrbScore::OrbStatus SequentialAssocModel::GetScore(const OrbScore::ScoreCaseRecord* record,
                                                    OrbScore::ScoreResult*& result, bool) const {
   const CaseFields fields = readCaseFields(record);
-  const Sequence history = GetSequence(fields.history);
-  const Sequence* const asked = fields.history.empty() ? defaultSequence_.get() : &history;
-
-  std::vector<SeqConsequentDescriptor> items;
-  // Deliberate: the query's status is dropped; scoring never fails outward.
-  if (lattice_ && fields.futureItems)
-    lattice_->GetFutureItems(items, asked, fields.maxReturn, fields.wholeOnly);
-  else if (lattice_)
-    lattice_->GetCurrentItems(items, asked, fields.maxReturn);
-
-  auto* own = dynamic_cast<SequentialResult*>(result);
-  if (own != nullptr) {
-    refill(*own, items);
-  } else {
-    own = newResult(items).release();
-    delete std::exchange(result, own);  // the new result is complete before the old one goes
-  }
-  own->SetTargetVarName(fields.futureItems ? kFutureItems : kCurrentItems);
-  return {};
-}
-
-Sequence SequentialAssocModel::GetSequence(const std::string& text) const {
-  Sequence sequence;
-  appendCaseText(text, sequence);
-  return sequence;
+  if (!engine_) return fill(result, fields, {});
+  const Engine::Borrowed scratch = engine_->borrow();
+  scratch->items.clear();
+  engine_->answer(fields, *scratch);
+  return fill(result, fields, scratch->items);
 }
 
 void SequentialAssocModel::Display(std::ostream& os) const {

@@ -1,14 +1,14 @@
 // The scoring model: one lattice, and the ranked items that it proposes for a case.
 //
 // A case has the fields
-//   "sequence"     the history as text (scoring/CaseText.h); absent or empty: no history
+//   "sequence"     the history as text (engine/caseText.h); absent or empty: no history
 //   "returnType"   "futureItems", or anything else for "currentItems"
 //   "maxReturn"    largest number of items, 20 when absent or negative
 //   "fromCurrent"  present with any value: future items are asked from every beginning of the
 //                  history, not from the whole alone
 //
-// Lifecycle. Made once by the translator and then only read. The lattice lives as long as the
-// model.
+// Lifecycle. Made once by the translator, which compiles the lattice (engine/CompiledLattice.h),
+// and then only read. The lattice lives as long as the model.
 //
 // Threads: any number of threads may call GetScore on one model, each with its own record and
 // result.
@@ -19,11 +19,9 @@
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
-#include <string>
 
 #include "common/OrbExport.h"
 #include "scoring/hostapi/BaseModel.h"
-#include "sequence/Sequence.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
 class HashtableSQPair;
@@ -35,8 +33,9 @@ class ORBSEQ_EXPORT SequentialAssocModel : public OrbScore::BaseModel {
  public:
   // Without a lattice: every answer is empty and Display writes nothing.
   SequentialAssocModel();
-  // Owns the array and its tables once the call returns; when it throws, the caller still does.
-  // `tables` has levelCount slots, made with new[]; slots beyond are never read.
+  // Owns the array and its tables once the call returns; when it throws (DictionaryFailure,
+  // std::bad_alloc, std::length_error), the caller still does. `tables` has levelCount slots, made
+  // with new[]; slots beyond are never read.
   SequentialAssocModel(SEQUENCE_NAMESPACE_800::HashtableSQPair** tables, std::int32_t levelCount);
   ~SequentialAssocModel() override;
 
@@ -60,11 +59,10 @@ class ORBSEQ_EXPORT SequentialAssocModel : public OrbScore::BaseModel {
 
  private:
   class Lattice;  // the dictionary, made final so that it can be deleted
+  class Engine;   // its compiled form, and what answers from it
 
-  SEQUENCE_NAMESPACE_800::Sequence GetSequence(const std::string& text) const;
-
-  std::unique_ptr<const Lattice> lattice_;  // null after the default constructor
-  std::unique_ptr<SEQUENCE_NAMESPACE_800::Sequence> defaultSequence_;  // empty; never null
+  std::unique_ptr<const Lattice> lattice_;  // null after the default constructor, as is
+  std::unique_ptr<const Engine> engine_;
   std::int32_t levelCount_ = 0;
 };
 

@@ -1,4 +1,4 @@
-#include "scoring/CaseText.h"
+#include "engine/caseText.h"
 
 #include <gtest/gtest.h>
 
@@ -11,27 +11,23 @@
 
 namespace {
 
-using OrbQuillon_830::appendCaseText;
-using SEQUENCE_NAMESPACE_800::Sequence;
+using orbseq::engine::appendCaseText;
+using orbseq::engine::History;
 using Sets = std::vector<std::vector<std::int32_t>>;
 
-Sequence parsed(const std::string& text) {
-  Sequence sequence;
-  appendCaseText(text, sequence);
-  return sequence;
+History parsed(const std::string& text) {
+  History history;
+  appendCaseText(text, history);
+  return history;
 }
 
 Sets setsOf(const std::string& text) {
-  const Sequence sequence = parsed(text);
+  const History history = parsed(text);
   Sets sets;
-  for (std::int32_t i = 0; i < sequence.Length(); ++i)
-    sets.emplace_back(sequence[i]->Begin(), sequence[i]->End());
+  for (std::size_t k = 0; k < history.sets(); ++k)
+    sets.emplace_back(history.set(k).begin(), history.set(k).end());
   return sets;
 }
-
-double timeOf(const std::string& text) { return parsed(text).GetTimeOfTimedItemSet(0); }
-
-constexpr double kMissing = std::numeric_limits<double>::lowest();
 
 TEST(CaseText, ParenthesesHoldItemSets) { EXPECT_EQ(setsOf("(1 2)(3)"), (Sets{{1, 2}, {3}})); }
 
@@ -40,7 +36,7 @@ TEST(CaseText, BytesOutsideParenthesesAreIgnored) {
 }
 
 TEST(CaseText, ABracketOutsideParenthesesIsNoTimeStamp) {
-  EXPECT_EQ(timeOf("[7](1)"), 0.0);
+  EXPECT_EQ(setsOf("[7](1)"), (Sets{{1}}));
   EXPECT_EQ(setsOf("[(5)](1)"), (Sets{{5}, {1}}));
 }
 
@@ -88,59 +84,37 @@ TEST(CaseText, AnItemWrapsAroundAt32Bits) {
   EXPECT_EQ(setsOf("(99999999999999999999999)"), (Sets{{-159383553}}));
 }
 
-TEST(CaseText, ATimeStampIsTheSetsTime) {
-  EXPECT_EQ(timeOf("(1[3.5]2)"), 3.5);
+TEST(CaseText, ATimeStampIsNoItem) {
   EXPECT_EQ(setsOf("(1[3.5]2)"), (Sets{{1, 2}}));
-  EXPECT_EQ(timeOf("(7 3 [2.5]) (9)"), 2.5);
-  EXPECT_EQ(parsed("(7 3 [2.5]) (9)").GetTimeOfTimedItemSet(1), 0.0);
-}
-
-TEST(CaseText, OnlyDigitsAndPointsOfAStampCount) {
-  EXPECT_EQ(timeOf("([12:30] 1)"), 1230.0);
-  EXPECT_EQ(timeOf("([-2.5]1)"), 2.5);
-  EXPECT_EQ(timeOf("([(3)4]1)"), 34.0);
-}
-
-TEST(CaseText, AStampWithoutDigitsLeavesTheTime) {
-  EXPECT_EQ(timeOf("([]1)"), 0.0);
-  EXPECT_EQ(timeOf("([8][x]1)"), 8.0);
-}
-
-TEST(CaseText, TheLastStampStands) { EXPECT_EQ(timeOf("([1]2[3])"), 3.0); }
-
-TEST(CaseText, AStampThatIsNoNumberGivesTheMissingValue) {
-  EXPECT_EQ(timeOf("([1.2.3]1)"), kMissing);
-  EXPECT_EQ(timeOf("([.]1)"), kMissing);
+  EXPECT_EQ(setsOf("(7 3 [2.5]) (9)"), (Sets{{3, 7}, {9}}));
+  EXPECT_EQ(setsOf("([12:30] 1)"), (Sets{{1}}));
+  EXPECT_EQ(setsOf("([(3)4]1)"), (Sets{{1}}));
+  EXPECT_EQ(setsOf("([]1[x][3])"), (Sets{{1}}));
+  EXPECT_EQ(setsOf("([1.2.3]1)"), (Sets{{1}}));
+  EXPECT_EQ(setsOf("([" + std::string(1 << 20, '9') + "]1)"), (Sets{{1}}));
 }
 
 TEST(CaseText, AnUnclosedStampEndsWithTheText) {
-  EXPECT_EQ(timeOf("(1 [42"), 42.0);
   EXPECT_EQ(setsOf("(["), (Sets{{}}));
   EXPECT_EQ(setsOf("(1 [42"), (Sets{{1}}));
-}
-
-TEST(CaseText, LongStampsAreReadUpToTheirLimit) {
-  EXPECT_EQ(timeOf("([" + std::string(48, '1') + "]1)"),
-            111111111111111111111111111111111111111111111111.0);
-  EXPECT_EQ(timeOf("([" + std::string(63, '0') + "7]1)"), 7.0);
-  EXPECT_EQ(timeOf("([" + std::string(64, '0') + "7]1)"), kMissing);
-  EXPECT_EQ(timeOf("(1 [" + std::string(1 << 20, '9')), kMissing);
+  EXPECT_EQ(setsOf("(1 [42)(2)"), (Sets{{1}}));
+  EXPECT_EQ(setsOf("(1 [" + std::string(1 << 20, '9')), (Sets{{1}}));
 }
 
 TEST(CaseText, SetsOfAnySizeWork) {
   for (const int size : {99, 100, 101, 10'000}) {
     std::string text = "(";
     for (int item = size; item > 0; --item) text += std::to_string(item) + " ";
-    EXPECT_EQ(parsed(text + ")")[0]->Size(), size);
+    EXPECT_EQ(parsed(text + ")").set(0).size(), static_cast<std::size_t>(size));
   }
 }
 
-TEST(CaseText, TheTextIsAppendedToTheSequence) {
-  Sequence sequence = parsed("(1)");
+TEST(CaseText, TheTextIsAppendedToTheHistory) {
+  History history = parsed("(1)");
 
-  appendCaseText("(2)", sequence);
+  appendCaseText("(2)", history);
 
-  EXPECT_EQ(sequence.Length(), 2);
+  EXPECT_EQ(history.sets(), 2U);
 }
 
 }  // namespace
