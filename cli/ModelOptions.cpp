@@ -30,9 +30,10 @@ void addModelOptions(CLI::App& command, ModelOptions& options, bool isRequired) 
 
 void addFormOption(CLI::App& command, std::string& to) {
   command
-      .add_option("--to", to,
-                  "document, pmml, binary or objxml (default: told by the name of the output)")
-      ->check(CLI::IsMember({"document", "pmml", "binary", "objxml"}).description(""))
+      .add_option(
+          "--to", to,
+          "document, pmml, binary, objxml or compiled (default: told by the name of the output)")
+      ->check(CLI::IsMember({"document", "pmml", "binary", "objxml", "compiled"}).description(""))
       ->type_name("FORM");
 }
 

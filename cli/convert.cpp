@@ -21,8 +21,10 @@ const char* const kFooter =
   pmml      PMML document: every rule, and the lattice for the scoring module; .pmml
   binary    compact and fast to read; .bin
   objxml    objects in lines of XML; .objxml
-Binary and objxml have no room for labels: they go into FILE.labels.csv beside the file, and are
-read from there; a former file of that name is replaced, or removed where it is not needed.
+  compiled  what `score` answers from, at once and on this version alone: a second form of a model
+            that is kept in another one, since no lattice can be read back from it; .compiled
+Binary, objxml and compiled have no room for labels: they go into FILE.labels.csv beside the file,
+and are read from there; a former file of that name is replaced, or removed where it is not needed.
 
 A document is closed by one more, empty level, since the scoring module leaves the highest level of
 a document out; --open writes it without that level and without labels.
@@ -30,6 +32,7 @@ a document out; --open writes it without that level and without labels.
 Examples:
   orbseq convert --model lattice.xml --output lattice.bin
   orbseq convert --model lattice.bin --output shop.pmml
+  orbseq convert --model lattice.xml --output lattice.compiled
   orbseq convert --model lattice.bin --to document --output - | xmllint --format -
 
 Exit status: 0 done, 1 wrong usage, 2 bad model, 3 files or memory, 4 a bug, 130 interrupted.

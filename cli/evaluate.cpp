@@ -18,10 +18,12 @@
 #include "cli/Output.h"
 #include "cli/RankingMetrics.h"
 #include "cli/StatusLine.h"
-#include "cli/customerSequence.h"
 #include "cli/messages.h"
 #include "cli/numberText.h"
 #include "cli/parallel.h"
+#include "engine/Pool.h"
+#include "engine/Recommender.h"
+#include "engine/compile.h"
 #include "io/ItemNames.h"
 #include "io/process.h"
 #include "io/statusError.h"
@@ -32,7 +34,6 @@ namespace orbseq {
 namespace {
 
 using SEQUENCE_NAMESPACE_800::SeqConsequentDescriptor;
-using SEQUENCE_NAMESPACE_800::Sequence;
 using Items = std::vector<std::int32_t>;
 
 constexpr std::size_t kLongest = RankingMetrics::kCuts.back();
@@ -111,16 +112,29 @@ Items filledUp(Items list, const Items& popular) {
   return list;
 }
 
+// What one question takes.
+struct Scratch {
+  engine::History history;
+  engine::Workspace workspace;
+  engine::Answers answers;
+};
+
 void ask(const EvaluateOptions& options, const Lattice& lattice, const SequenceDatabase& log,
          const std::vector<HeldOut>& cases, const Items& popular, StatusLine& line,
          Evaluation& evaluation) {
   std::vector<Items> lists(cases.size());
+  const engine::CompiledLattice compiled = engine::compile(lattice);
+  const engine::Recommender recommender(compiled);
+  engine::Pool<Scratch> pool;
   const auto answer = [&](std::size_t i) {
-    const Sequence history = sequenceOf(log, cases[i].firstSet, cases[i].lastSet);
-    std::vector<SeqConsequentDescriptor> answers;
-    throwIfError(lattice.GetFutureItems(answers, &history, static_cast<int>(kLongest),
-                                        !options.allPrefixes));
-    lists[i] = itemsOf(answers);
+    const engine::Pool<Scratch>::Borrowed scratch(pool);
+    scratch->history.clear();
+    for (std::size_t set = cases[i].firstSet; set < cases[i].lastSet; ++set)
+      scratch->history.addSet(log.items(set));
+    scratch->answers.clear();
+    recommender.futureItems(scratch->history, static_cast<std::int32_t>(kLongest),
+                            !options.allPrefixes, scratch->workspace, scratch->answers);
+    lists[i] = itemsOf(scratch->answers);
   };
   forEachInParallel(
       cases.size(), threadsOf(options.training.threads), answer, [&](std::size_t done) {

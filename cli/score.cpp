@@ -4,18 +4,24 @@
 
 #include <CLI/CLI.hpp>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "cli/CsvWriter.h"
+#include "cli/EngineScorer.h"
 #include "cli/JsonLinesWriter.h"
 #include "cli/Output.h"
+#include "cli/PluginScorer.h"
 #include "cli/Progress.h"
-#include "cli/Scorer.h"
 #include "cli/TableWriter.h"
 #include "cli/messages.h"
+#include "cli/parallel.h"
+#include "engine/inOrder.h"
 #include "host/PluginLoader.h"
 #include "host/SafeDocument.h"
+#include "io/CompiledModel.h"
 #include "io/HistoryReader.h"
 #include "io/ItemNames.h"
 #include "io/ModelFile.h"
@@ -25,8 +31,6 @@
 namespace orbseq {
 
 namespace {
-
-const char* const kModuleFile = "liborbseq.so";
 
 const char* const kFooter =
     R"help(An empty history asks for what most customers take. Items of rows and baskets are looked up in the
@@ -54,7 +58,7 @@ void addInputOptions(CLI::App& command, ScoreOptions& options) {
       ->required();
   command
       .add_option("--module", options.module,
-                  std::string("Scoring plug-in (default: ") + kModuleFile + " beside the program)")
+                  "Have this scoring plug-in answer, as a host would; the answers are the same")
       ->type_name("FILE");
 }
 
@@ -74,42 +78,55 @@ void addAnswerOptions(CLI::App& command, ScoreOptions& options) {
                    "With --return future: match shorter beginnings of the history as well");
   command
       .add_option("--format", options.format,
-                  "table, csv or jsonl (default: table on a terminal, else csv)")
-      ->check(CLI::IsMember({"table", "csv", "jsonl"}).description(""))
+                  "table, csv, jsonl or none (default: table on a terminal, else csv)")
+      ->check(CLI::IsMember({"table", "csv", "jsonl", "none"}).description(""))
       ->type_name("FORMAT");
   command
       .add_option("-o,--output", options.output,
                   "Where answers go; the file is replaced as a whole; - is standard output")
       ->type_name("FILE")
       ->capture_default_str();
+  command.add_option("--threads", options.threads, "Threads that score; 0: all cores")
+      ->check(CLI::Range(0, 1024).description(""))
+      ->type_name("N")
+      ->capture_default_str();
   command.add_flag("-q,--quiet", options.quiet, "No progress bar and no summary");
   command.add_flag("--dry-run", options.dryRun,
                    "Read model and histories, score nothing, write no answers");
 }
 
-// What scores, and how its items are called.
+// What answers, and how its items are called: the engine, or a plug-in's model where one is named.
 struct ScoringModel {
-  std::shared_ptr<const OrbScore::ScoreModel> model;
+  std::optional<CompiledModel> compiled;
+  std::shared_ptr<const OrbScore::ScoreModel> pluginModel;
   ItemLabelMap labels;
+
+  std::unique_ptr<CaseScorer> makeScorer(const ScoreOptions& options) const {
+    if (pluginModel) return std::make_unique<PluginScorer>(pluginModel, options);
+    return std::make_unique<EngineScorer>(compiled->lattice, options);
+  }
 };
 
 ScoringModel loadModel(const ScoreOptions& options) {
-  const OrbScore::SafeDocument document = readDocument(options.model.model, options.model.limits);
-  const std::string module =
-      options.module.empty()
-          ? OrbScore::PluginLoader::FindBeside(OrbScore::PluginLoader::ProgramFolder(), kModuleFile)
-          : options.module;
   ScoringModel loaded;
-  loaded.model = OrbScore::PluginLoader(module).LoadModel(document);
-  loaded.labels = labelsOf(loaded.model->GetScoreDictionary());
+  if (options.module.empty()) {
+    loaded.compiled = readCompiledModel(options.model.model, options.model.limits);
+    loaded.labels = loaded.compiled->labels;
+    return loaded;
+  }
+  const OrbScore::SafeDocument document = readDocument(options.model.model, options.model.limits);
+  loaded.pluginModel = OrbScore::PluginLoader(options.module).LoadModel(document);
+  loaded.labels = labelsOf(loaded.pluginModel->GetScoreDictionary());
   addLabelsBeside(options.model.model, loaded.labels);
   return loaded;
 }
 
+// Null: answers are not written.
 std::unique_ptr<ResultWriter> makeWriter(const ScoreOptions& options, const ItemLabelMap& labels) {
   std::string format = options.format;
   const bool forPeople = options.output == "-" && isTerminal(StandardStream::kOutput);
   if (format.empty()) format = forPeople ? "table" : "csv";
+  if (format == "none") return nullptr;
   if (format == "table") return std::make_unique<TableWriter>(labels);
   if (format == "jsonl") return std::make_unique<JsonLinesWriter>(labels);
   return std::make_unique<CsvWriter>(labels);
@@ -122,37 +139,83 @@ bool showsProgress(const ScoreOptions& options) {
   return !options.quiet && isTerminal(StandardStream::kError) && !answersOnTerminal;
 }
 
-// Calls `each` for every history, and stops when a person asks to.
-template <class Each>
-std::size_t forEachHistory(HistoryReader& reader, const ScoreOptions& options, Each each) {
-  Progress progress(showsProgress(options), reader.size());
-  CustomerHistory history;
+// Some customers' histories, and what becomes of them.
+struct Block {
+  static constexpr std::size_t kCustomers = 128;
+
+  std::vector<CustomerHistory> histories{kCustomers};
   std::size_t customers = 0;
-  while (reader.next(history)) {
+  std::string text;  // their answers
+  std::size_t answers = 0;
+};
+
+// False at the end of the histories.
+bool fill(Block& block, HistoryReader& reader) {
+  block.customers = 0;
+  block.answers = 0;
+  block.text.clear();
+  while (block.customers < Block::kCustomers && reader.next(block.histories[block.customers])) {
     if (interrupted()) throw Interrupted();
-    each(history);
-    ++customers;
-    progress.reach(reader.bytesRead());
+    ++block.customers;
   }
   if (interrupted()) throw Interrupted();
-  return customers;
+  return block.customers > 0;
 }
+
+struct Totals {
+  std::size_t customers = 0;
+  std::size_t answers = 0;
+};
 
 std::string counted(std::size_t number, const char* one, const char* many) {
   return fmt::format("{} {}", number, number == 1 ? one : many);
 }
 
-void warnIfNone(std::size_t customers, const HistoryReader& reader) {
+void warn(const ScoreOptions& options, std::size_t customers, const HistoryReader& reader) {
+  if (options.quiet) return;
   if (customers == 0) printMessage("warning: " + reader.name() + ": no histories");
+  warnOfOmissions(reader.badRows(), reader.unknown());
 }
 
-ExitStatus runDry(HistoryReader& reader, Scorer& scorer, const ScoreOptions& options) {
-  const std::size_t customers = forEachHistory(
-      reader, options, [&](const CustomerHistory& history) { scorer.prepare(history); });
-  if (!options.quiet) {
-    warnIfNone(customers, reader);
-    warnOfOmissions(reader.badRows(), reader.unknown());
-  }
+Totals scoreAll(HistoryReader& reader, const ScoringModel& model, const ScoreOptions& options,
+                Output& output) {
+  Progress progress(showsProgress(options), reader.size());
+  Totals totals;
+  const auto makeWorker = [&] {
+    // Each thread has what it takes of its own.
+    return [scorer = std::shared_ptr(model.makeScorer(options)),
+            writer = std::shared_ptr(makeWriter(options, model.labels)), &reader](Block& block) {
+      for (std::size_t k = 0; k < block.customers; ++k) {
+        const CustomerHistory& history = block.histories[k];
+        const Answers answers = scorer->score(reader.name(), history);
+        block.answers += answers.size();
+        if (writer) writer->appendAnswers(block.text, history.customer, answers);
+      }
+    };
+  };
+  const auto write = [&](Block& block) {
+    totals.customers += block.customers;
+    totals.answers += block.answers;
+    output.text() += block.text;
+    output.flushIfFull();
+  };
+  engine::inOrder<Block>(
+      threadsOf(options.threads),
+      [&](Block& block) {
+        const bool more = fill(block, reader);
+        progress.reach(reader.bytesRead());
+        return more;
+      },
+      makeWorker, write);
+  return totals;
+}
+
+ExitStatus runDry(HistoryReader& reader, const ScoreOptions& options) {
+  Progress progress(showsProgress(options), reader.size());
+  std::size_t customers = 0;
+  for (Block block; fill(block, reader); customers += block.customers)
+    progress.reach(reader.bytesRead());
+  warn(options, customers, reader);
   printMessage("dry run: " + counted(customers, "customer", "customers") + " read, nothing scored");
   return ExitStatus::kDone;
 }
@@ -176,28 +239,16 @@ ExitStatus runScore(const ScoreOptions& options) {
   const ItemNames names(loaded.labels);
   logOptions.builder.known = &names;
   HistoryReader reader(options.log.path, logOptions);
-  Scorer scorer(loaded.model, options);
-  if (options.dryRun) return runDry(reader, scorer, options);
+  if (options.dryRun) return runDry(reader, options);
 
   Output output(options.output);
-  const auto writer = makeWriter(options, loaded.labels);
-  writer->appendHeader(output.text());
-  std::size_t answerCount = 0;
-  const std::size_t customers =
-      forEachHistory(reader, options, [&](const CustomerHistory& history) {
-        scorer.prepare(history);
-        const Answers answers = scorer.score(reader.name(), history);
-        answerCount += answers.size();
-        writer->appendAnswers(output.text(), history.customer, answers);
-        output.flushIfFull();
-      });
+  if (const auto writer = makeWriter(options, loaded.labels)) writer->appendHeader(output.text());
+  const Totals totals = scoreAll(reader, loaded, options, output);
   output.finish();
-
-  if (options.quiet) return ExitStatus::kDone;
-  warnIfNone(customers, reader);
-  warnOfOmissions(reader.badRows(), reader.unknown());
-  printMessage(counted(customers, "customer", "customers") + ", " +
-               counted(answerCount, "answer", "answers"));
+  warn(options, totals.customers, reader);
+  if (!options.quiet)
+    printMessage(counted(totals.customers, "customer", "customers") + ", " +
+                 counted(totals.answers, "answer", "answers"));
   return ExitStatus::kDone;
 }
 

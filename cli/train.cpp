@@ -72,6 +72,9 @@ CLI::App* addTrainCommand(CLI::App& program, TrainOptions& options) {
 ExitStatus runTrain(const TrainOptions& options) {
   const auto begin = std::chrono::steady_clock::now();
   const ModelForm form = outputForm(options.output, options.to);
+  if (form == ModelForm::kCompiled)
+    throw UsageError(
+        "--to: a compiled form is never a model's only copy; train another form and convert it");
   checkTraining(options.training);
   const LogOptions logOptions = logOptionsOf(options.log);
   const bool showsProgress = !options.quiet && isTerminal(StandardStream::kError);

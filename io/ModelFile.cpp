@@ -6,6 +6,7 @@
 #include <limits>
 #include <new>
 #include <ostream>
+#include <span>
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
@@ -16,6 +17,8 @@
 
 #include "common/messages.h"
 #include "document/LatticeReader.h"
+#include "engine/compile.h"
+#include "engine/compiledForm.h"
 #include "host/SafeDocument.h"
 #include "io/AtomicFile.h"
 #include "io/IoError.h"
@@ -50,6 +53,7 @@ const char* const kObjectXmlRoot = "OrbXMLRoot";
 // Object-XML says what it is in its document type.
 ModelForm formOfHead(std::string_view head) {
   if (head.starts_with("SD")) return ModelForm::kBinary;
+  if (engine::beginsCompiledForm(std::as_bytes(std::span(head)))) return ModelForm::kCompiled;
   const std::size_t type = head.find("<!DOCTYPE");
   if (type != std::string_view::npos && head.substr(type, 64).find(kObjectXmlRoot) < 32)
     return ModelForm::kObjectXml;
@@ -202,6 +206,9 @@ ModelForm formOf(SourceStream& source) {
 
 Model modelIn(const std::string& path, SourceStream& source, ModelForm form,
               const OrbScore::DocumentLimits& limits) {
+  if (form == ModelForm::kCompiled)
+    throw InputError(source.name(), 0,
+                     "a compiled form holds no lattice; it can be scored with, from a file");
   Model model;
   try {
     if (form == ModelForm::kBinary)
@@ -294,6 +301,13 @@ void writeModel(std::ostream& os, const Model& model, ModelForm form) {
     case ModelForm::kObjectXml:
       writeObjectXml(os, *model.lattice);
       break;
+    case ModelForm::kCompiled: {
+      const engine::CompiledLattice compiled = engine::compile(*model.lattice);
+      const auto image = compiled.image();
+      os.write(reinterpret_cast<const char*>(image.data()),
+               static_cast<std::streamsize>(image.size()));
+      break;
+    }
   }
 }
 

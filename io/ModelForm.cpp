@@ -12,11 +12,12 @@ struct Form {
   const char* suffix;
 };
 
-constexpr std::array<Form, 4> kForms = {{
+constexpr std::array<Form, 5> kForms = {{
     {ModelForm::kDocument, "document", ".xml"},
     {ModelForm::kPmml, "pmml", ".pmml"},
     {ModelForm::kBinary, "binary", ".bin"},
     {ModelForm::kObjectXml, "objxml", ".objxml"},
+    {ModelForm::kCompiled, "compiled", ".compiled"},
 }};
 
 }  // namespace

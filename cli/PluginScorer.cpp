@@ -1,4 +1,4 @@
-#include "cli/Scorer.h"
+#include "cli/PluginScorer.h"
 
 #include <new>
 #include <stdexcept>
@@ -18,7 +18,8 @@ namespace orbseq {
 using SEQUENCE_NAMESPACE_800::SeqConsequentDescriptor;
 using SEQUENCE_NAMESPACE_800::SeqExceptions;
 
-Scorer::Scorer(std::shared_ptr<const OrbScore::ScoreModel> model, const ScoreOptions& options)
+PluginScorer::PluginScorer(std::shared_ptr<const OrbScore::ScoreModel> model,
+                           const ScoreOptions& options)
     : model_(std::move(model)) {
   record_.SetText("returnType", options.returnType == "future" ? "futureItems" : "currentItems");
   record_.SetNumber("maxReturn", options.maxReturn);
@@ -26,14 +27,11 @@ Scorer::Scorer(std::shared_ptr<const OrbScore::ScoreModel> model, const ScoreOpt
   if (options.allPrefixes) record_.SetText("fromCurrent", "true");
 }
 
-Scorer::~Scorer() { delete result_; }
+PluginScorer::~PluginScorer() { delete result_; }
 
-void Scorer::prepare(const CustomerHistory& history) {
-  record_.SetText("sequence", history.history);
-}
-
-Answers Scorer::score(const std::string& file, const CustomerHistory& history) {
+Answers PluginScorer::score(const std::string& file, const CustomerHistory& history) {
   try {
+    record_.SetText("sequence", history.history);
     return scoreRecord();
   } catch (const OrbScore::EnvironmentError&) {
     throw;
@@ -49,7 +47,7 @@ Answers Scorer::score(const std::string& file, const CustomerHistory& history) {
   }
 }
 
-Answers Scorer::scoreRecord() {
+Answers PluginScorer::scoreRecord() {
   const OrbScore::OrbStatus status = model_->GetScore(&record_, result_, false);
   if (status.IsError())
     throw std::logic_error("the model answered with the error status " +
