@@ -17,3 +17,7 @@ target_include_directories(orbseq_libcsv SYSTEM INTERFACE ${CSV_INCLUDE_DIR})
 target_link_libraries(orbseq_libcsv INTERFACE ${CSV_LIBRARY})
 find_package(ZLIB REQUIRED)
 find_package(SQLite3 REQUIRED)
+
+find_path(XXHASH_INCLUDE_DIR xxhash.h REQUIRED)
+add_library(orbseq_xxhash INTERFACE)
+target_include_directories(orbseq_xxhash SYSTEM INTERFACE ${XXHASH_INCLUDE_DIR})
