@@ -8,6 +8,7 @@
 
 #include "cli/LogInput.h"
 #include "cli/ModelOptions.h"
+#include "cli/OutputOptions.h"
 
 namespace orbseq {
 
@@ -17,12 +18,11 @@ struct ScoreOptions {
   std::string returnType = "current";  // current or future
   std::int32_t maxReturn = 20;         // most answers a customer; 0 or more
   bool allPrefixes = false;            // future items: shorter beginnings are searched as well
-  std::string format;                  // table, csv, jsonl or none; empty: as the output is
-  std::string output = "-";            // path; "-": standard output
-  bool quiet = false;                  // no progress, no summary
-  bool dryRun = false;                 // read everything, score nothing
-  int threads = 0;                     // 0: all cores
-  std::string module;                  // path of a plug-in that answers; empty: the engine does
+  OutputOptions output;
+  bool quiet = false;   // no progress, no summary
+  bool dryRun = false;  // read everything, score nothing
+  int threads = 0;      // 0: all cores
+  std::string module;   // path of a plug-in that answers; empty: the engine does
 };
 
 }  // namespace orbseq

@@ -207,11 +207,11 @@ void appendJsonLines(std::string& out, const Evaluation& evaluation) {
 }
 
 void write(const EvaluateOptions& options, const Evaluation& evaluation) {
-  Output output(options.output);
-  const bool forPeople = options.output == "-" && isTerminal(StandardStream::kOutput);
-  if (options.format == "jsonl")
+  Output output(options.output.path);
+  const std::string format = formatOf(options.output);
+  if (format == "jsonl")
     appendJsonLines(output.text(), evaluation);
-  else if (options.format == "table" || (options.format.empty() && forPeople))
+  else if (format == "table")
     appendTable(output.text(), evaluation);
   else
     appendCsv(output.text(), evaluation);
@@ -260,16 +260,7 @@ CLI::App* addEvaluateCommand(CLI::App& program, EvaluateOptions& options) {
       ->capture_default_str();
   command->add_flag("--all-prefixes", options.allPrefixes,
                     "Match shorter beginnings of the history as well");
-  command
-      ->add_option("--format", options.format,
-                   "table, csv or jsonl (default: table on a terminal, else csv)")
-      ->check(CLI::IsMember({"table", "csv", "jsonl"}).description(""))
-      ->type_name("FORMAT");
-  command
-      ->add_option("-o,--output", options.output,
-                   "Where the measures go; the file is replaced as a whole; - is standard output")
-      ->type_name("FILE")
-      ->capture_default_str();
+  addOutputOptions(*command, options.output, {"table", "csv", "jsonl"}, "the measures");
   command->add_flag("-q,--quiet", options.quiet, "No progress and no summary");
   command->footer(std::string(kLogForms) + "\n\n" + kTrainingHelp + "\n" + kFooter);
   return command;

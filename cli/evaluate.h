@@ -8,6 +8,7 @@
 
 #include "cli/LogInput.h"
 #include "cli/ModelOptions.h"
+#include "cli/OutputOptions.h"
 #include "cli/Training.h"
 #include "cli/exitStatus.h"
 
@@ -23,8 +24,7 @@ struct EvaluateOptions {
   Training training;
   std::string holdBack = "last";  // or a share of the log's time, above 0 and below 1
   bool allPrefixes = false;
-  std::string format;        // table, csv or jsonl; empty: as the output is
-  std::string output = "-";  // path; "-": standard output
+  OutputOptions output;
   bool quiet = false;
 };
 

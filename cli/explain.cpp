@@ -114,11 +114,6 @@ void check(const ExplainOptions& options) {
     throw UsageError("--model and --input cannot both be standard input");
 }
 
-std::string formatOf(const ExplainOptions& options) {
-  if (!options.format.empty()) return options.format;
-  return options.output == "-" && isTerminal(StandardStream::kOutput) ? "table" : "csv";
-}
-
 void addSourceOptions(CLI::App& command, ExplainOptions& options) {
   addModelOptions(command, options.model);
   addLogInput(command, options.log, "Customers' histories, or a log of what they took", false);
@@ -153,16 +148,7 @@ CLI::App* addExplainCommand(CLI::App& program, ExplainOptions& options) {
       ->capture_default_str();
   command->add_flag("--all-prefixes", options.allPrefixes,
                     "With --return future: match shorter beginnings of the history as well");
-  command
-      ->add_option("--format", options.format,
-                   "table, csv or jsonl (default: table on a terminal, else csv)")
-      ->check(CLI::IsMember({"table", "csv", "jsonl"}).description(""))
-      ->type_name("FORMAT");
-  command
-      ->add_option("-o,--output", options.output,
-                   "Where it goes; the file is replaced as a whole; - is standard output")
-      ->type_name("FILE")
-      ->capture_default_str();
+  addOutputOptions(*command, options.output, {"table", "csv", "jsonl"}, "the reasons");
   command->add_flag("-q,--quiet", options.quiet, "No progress and no warnings");
   command->footer(std::string(kLogForms) + "\n" + kFooter);
   return command;
@@ -180,8 +166,8 @@ ExitStatus runExplain(const ExplainOptions& options) {
   else
     cases.push_back(options.took.empty() ? caseOfText(*options.history)
                                          : caseOfBaskets(options.took, finder));
-  Output output(options.output);
-  const auto writer = ProposalWriter::make(formatOf(options), model.labels);
+  Output output(options.output.path);
+  const auto writer = ProposalWriter::make(formatOf(options.output), model.labels);
   writer->appendHeader(output.text());
   for (const Case& one : cases) {
     if (interrupted()) throw Interrupted();

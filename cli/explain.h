@@ -10,6 +10,7 @@
 
 #include "cli/LogInput.h"
 #include "cli/ModelOptions.h"
+#include "cli/OutputOptions.h"
 #include "cli/exitStatus.h"
 
 namespace CLI {
@@ -28,8 +29,7 @@ struct ExplainOptions {
   std::string returnType = "current";  // or future
   std::int32_t maxReturn = 20;         // most answers a customer
   bool allPrefixes = false;
-  std::string format;        // table, csv or jsonl; empty: as the output is
-  std::string output = "-";  // path; "-": standard output
+  OutputOptions output;
   bool quiet = false;
 };
 

@@ -76,16 +76,7 @@ void addAnswerOptions(CLI::App& command, ScoreOptions& options) {
       ->capture_default_str();
   command.add_flag("--all-prefixes", options.allPrefixes,
                    "With --return future: match shorter beginnings of the history as well");
-  command
-      .add_option("--format", options.format,
-                  "table, csv, jsonl or none (default: table on a terminal, else csv)")
-      ->check(CLI::IsMember({"table", "csv", "jsonl", "none"}).description(""))
-      ->type_name("FORMAT");
-  command
-      .add_option("-o,--output", options.output,
-                  "Where answers go; the file is replaced as a whole; - is standard output")
-      ->type_name("FILE")
-      ->capture_default_str();
+  addOutputOptions(command, options.output, {"table", "csv", "jsonl", "none"}, "answers");
   command.add_option("--threads", options.threads, "Threads that score; 0: all cores")
       ->check(CLI::Range(0, 1024).description(""))
       ->type_name("N")
@@ -123,9 +114,7 @@ ScoringModel loadModel(const ScoreOptions& options) {
 
 // Null: answers are not written.
 std::unique_ptr<ResultWriter> makeWriter(const ScoreOptions& options, const ItemLabelMap& labels) {
-  std::string format = options.format;
-  const bool forPeople = options.output == "-" && isTerminal(StandardStream::kOutput);
-  if (format.empty()) format = forPeople ? "table" : "csv";
+  const std::string format = formatOf(options.output);
   if (format == "none") return nullptr;
   if (format == "table") return std::make_unique<TableWriter>(labels);
   if (format == "jsonl") return std::make_unique<JsonLinesWriter>(labels);
@@ -135,7 +124,7 @@ std::unique_ptr<ResultWriter> makeWriter(const ScoreOptions& options, const Item
 // A bar among answers on one terminal would tear them apart.
 bool showsProgress(const ScoreOptions& options) {
   const bool answersOnTerminal =
-      !options.dryRun && options.output == "-" && isTerminal(StandardStream::kOutput);
+      !options.dryRun && options.output.path == "-" && isTerminal(StandardStream::kOutput);
   return !options.quiet && isTerminal(StandardStream::kError) && !answersOnTerminal;
 }
 
@@ -241,7 +230,7 @@ ExitStatus runScore(const ScoreOptions& options) {
   HistoryReader reader(options.log.path, logOptions);
   if (options.dryRun) return runDry(reader, options);
 
-  Output output(options.output);
+  Output output(options.output.path);
   if (const auto writer = makeWriter(options, loaded.labels)) writer->appendHeader(output.text());
   const Totals totals = scoreAll(reader, loaded, options, output);
   output.finish();
