@@ -57,12 +57,14 @@ void Query::read(const History& history, Strangers strangers) {
   Position* const lasts = w_.last_.data();
   occurrences[0] = {0, 0, 0, 0};
   const bool notes = strangers == Strangers::kNote && lattice_.hasStrangers();
+  Position count = 0;
   for (std::size_t k = 0; k < history.sets(); ++k) {
-    const Position before = w_.itemCount_;
-    Position count = before;
+    const Position before = count;
+    const std::uint32_t set = sets();
     for (const std::int32_t number : history.set(k)) {
       const ItemId item = lattice_.find(number);
       if (item >= kStranger) {
+        w_.itemCount_ = count;  // should memory run out
         if (notes && item != kNone) addStranger(item - kStranger, k);
         continue;
       }
@@ -72,9 +74,9 @@ void Query::read(const History& history, Strangers strangers) {
       const bool jumpsOn = last.rank - jumped.rank == jumped.rank - occurrences[jumped.jump].rank;
       items[count] = item;
       lasts[item] = ++count;
-      occurrences[count] = {previous, jumpsOn ? jumped.jump : previous, last.rank + 1, sets()};
-      w_.itemCount_ = count;  // what an exception leaves to be put right
+      occurrences[count] = {previous, jumpsOn ? jumped.jump : previous, last.rank + 1, set};
     }
+    w_.itemCount_ = count;
     if (count == before) continue;
     w_.ends_.push_back(count);
     w_.numbers_.push_back(static_cast<std::uint32_t>(k));

@@ -15,7 +15,7 @@ StepBudgetSpent::~StepBudgetSpent() = default;
 
 void Workspace::fit(const CompiledLattice& lattice) {
   const std::size_t items = lattice.itemCount();
-  if (last_.size() < items) {
+  if (candidate_.size() < items) {  // the last of them to grow, should memory run out among them
     last_.resize(items, 0);
     latest_.resize(items, 0);
     candidate_.resize(items, kNone);

@@ -58,15 +58,19 @@ bool areBelow(const Values& values, std::uint32_t bound, Key key) noexcept {
 
 void checkNodes(std::span<const Node> nodes, const Header& header, std::uint64_t offset) {
   std::uint32_t bad = nodes.front().climbs | nodes.front().proposals;
+  std::uint32_t joins = 0;
   for (std::size_t i = 0; i + 1 < nodes.size(); ++i) {
     bad |= static_cast<std::uint32_t>(nodes[i].joins < nodes[i].climbs);
     bad |= static_cast<std::uint32_t>(nodes[i + 1].climbs < nodes[i].joins);
+    joins |= static_cast<std::uint32_t>(nodes[i + 1].climbs > nodes[i].joins);
     bad |= static_cast<std::uint32_t>(nodes[i].opens < nodes[i].proposals);
     bad |= static_cast<std::uint32_t>(nodes[i + 1].proposals < nodes[i].opens);
   }
   const Node& last = nodes.back();
   if (bad != 0 || last.climbs != header.climbs || last.proposals != header.proposals)
     refuse(offset, "the runs of the nodes do not follow each other");
+  if (joins != 0 && header.hasJoins == 0)  // a search keeps no visits then
+    refuse(offsetof(Header, hasJoins), "climbs join item sets, which the header denies");
 }
 
 // A climb leads from one level to the next, so that no search goes round.

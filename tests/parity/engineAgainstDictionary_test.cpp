@@ -6,8 +6,7 @@
 
 #include <string>
 
-#include "engine/Recommender.h"
-#include "engine/compile.h"
+#include "tests/parity/engineParity.h"
 #include "tests/support/SmallLattices.h"
 #include "tests/support/World.h"
 #include "tests/support/naiveLattice.h"
@@ -15,53 +14,11 @@
 namespace {
 
 using namespace orbseq::test;
-using orbseq::engine::CompiledLattice;
-using orbseq::engine::Recommender;
-using orbseq::engine::Workspace;
 
 constexpr std::uint32_t kWorlds = 4000;
 constexpr std::uint32_t kNaiveWorlds = 600;
 
-// A compiled lattice with all that asking it takes.
-class Engine {
- public:
-  explicit Engine(const SequenceDictionary& dictionary)
-      : lattice_(orbseq::engine::compile(dictionary)), recommender_(lattice_) {}
-
-  std::vector<Advice> current(const History& history, int maxCount) {
-    orbseq::engine::Answers answers;
-    recommender_.currentItems(made(history), maxCount, workspace_, answers);
-    return adviceOf(answers);
-  }
-  std::vector<Advice> future(const History& history, int maxCount, bool wholeOnly) {
-    orbseq::engine::Answers answers;
-    recommender_.futureItems(made(history), maxCount, wholeOnly, workspace_, answers);
-    return adviceOf(answers);
-  }
-
- private:
-  const orbseq::engine::History& made(const History& history) {
-    history_.clear();
-    for (const Items& set : history) history_.addSet(set);
-    return history_;
-  }
-
-  CompiledLattice lattice_;
-  Recommender recommender_;
-  Workspace workspace_;
-  orbseq::engine::History history_;
-};
-
 // The reference is a dictionary or a naive lattice.
-struct OfDictionary {
-  const SequenceDictionary& dictionary;
-  std::vector<Advice> current(const History& history, int maxCount) const {
-    return currentItems(dictionary, history, maxCount);
-  }
-  std::vector<Advice> future(const History& history, int maxCount, bool wholeOnly) const {
-    return futureItems(dictionary, history, maxCount, wholeOnly);
-  }
-};
 struct OfNaive {
   const NaiveLattice& naive;
   std::vector<Advice> current(const History& history, int maxCount) const {
@@ -71,19 +28,6 @@ struct OfNaive {
     return naive.futureItems(history, maxCount, wholeOnly);
   }
 };
-
-template <class Reference>
-std::size_t compare(Engine& engine, const Reference& reference, const History& history,
-                    int maxCount) {
-  const auto whole = engine.future(history, maxCount, true);
-  EXPECT_EQ(whole, reference.future(history, maxCount, true)) << "whole history " << text(history);
-  const auto beginnings = engine.future(history, maxCount, false);
-  EXPECT_EQ(beginnings, reference.future(history, maxCount, false))
-      << "every beginning of " << text(history);
-  const auto current = engine.current(history, maxCount);
-  EXPECT_EQ(current, reference.current(history, maxCount)) << "current items of " << text(history);
-  return whole.size() + beginnings.size() + current.size();
-}
 
 // More histories than the world's own: pieces of these, in several orders.
 std::vector<History> askedIn(const World& world) {
