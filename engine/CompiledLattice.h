@@ -22,9 +22,10 @@
 // front or at the end costs k links instead of one.
 //
 // What is dropped: links whose longer sequence is not stored or has no counter, links at other
-// places, climbs by items that are not stored alone, which histories are asked without, and
-// proposals that no answer gives (a count of 0 below a fraction). Where the longest
-// sequence has at most two items, nothing climbs, since the search then finds single items alone.
+// places, climbs by items that are not stored alone, which histories are asked without,
+// climbs to what proposes nothing and leads to nothing that does, and proposals that no answer
+// gives (a count of 0 below a fraction). Where the longest sequence has at most two items, nothing
+// climbs, since the search then finds single items alone.
 //
 // Lifecycle. Made by compile() or read; never changed. It keeps nothing of the dictionary.
 // Threads: any number of readers.
@@ -59,9 +60,17 @@ struct Node {
   std::uint32_t opens;      // of the first that opens; ends where the next node's proposals begin
 };
 
+// Kinds of links that an answer names, and of what a climb leads to: to sequences - the node
+// itself, or one reached from it - that propose in the one way or the other.
+constexpr std::uint32_t kJoining = 0x40000000U;  // an item that joins the last item set
+constexpr std::uint32_t kOpening = 0x80000000U;  // an item that opens a new one
+constexpr std::uint32_t kMostNodes = 0x3FFFFFFFU;
+
 struct Climb {
   ItemId item;
-  NodeId node;
+  std::uint32_t marked;  // the node, with kJoining and kOpening
+
+  NodeId node() const noexcept { return marked & kMostNodes; }
 };
 
 struct Proposal {
@@ -108,10 +117,10 @@ struct Header {
   std::uint32_t items;
   std::uint32_t popular;
   std::uint32_t lookup;
-  std::uint32_t hasJoins;             // whether any climb joins an item set
+  std::uint32_t hasJoins;             // kinds of which any climb joins an item set
   std::uint32_t levels[kLevels + 1];  // first node of the sequences of so many items
   std::uint32_t hasStrangers;         // whether any item is not stored alone
-  std::uint32_t unused;
+  std::uint32_t kinds;                // of which there are any proposals
 };
 static_assert(sizeof(Header) % 8 == 0);
 
@@ -136,7 +145,12 @@ class ORBSEQ_EXPORT CompiledLattice {
   CompiledLattice& operator=(CompiledLattice&&) noexcept;
 
   std::int32_t customers() const noexcept { return header_->customers; }
-  bool hasJoins() const noexcept { return header_->hasJoins != 0; }
+  // Whether any sequence proposes in the kind's way.
+  bool hasProposals(std::uint32_t kind) const noexcept { return (header_->kinds & kind) != 0; }
+  // Whether climbs of any of the kinds join an item set.
+  bool hasJoins(std::uint32_t kinds = kJoining | kOpening) const noexcept {
+    return (header_->hasJoins & kinds) != 0;
+  }
   bool hasStrangers() const noexcept { return hasStrangers_; }
 
   // The node's end of runs is found in the one behind it.
@@ -145,7 +159,7 @@ class ORBSEQ_EXPORT CompiledLattice {
   // The nodes of the sequences of so many items, first and one past the last.
   std::pair<NodeId, NodeId> level(std::size_t items) const noexcept;
   std::int32_t setsOf(NodeId id) const noexcept { return sets_[id] & 0x7F; }
-  // Whether a climb that joins an item set can be reached by climbing from the node.
+  // Whether a climb that joins an item set and leads to what opens can be reached from the node.
   bool growsAbove(NodeId id) const noexcept { return (sets_[id] & kGrowsAbove) != 0; }
 
   const Climb* climbs() const noexcept { return climbs_; }

@@ -17,11 +17,12 @@ const Climb* findClimb(const Climb* begin, const Climb* end, ItemId item) noexce
 }  // namespace
 
 Query::Query(const CompiledLattice& lattice, Workspace& workspace, std::int32_t maxCount,
-             Place place)
+             std::uint32_t kind)
     : lattice_(lattice),
       w_(workspace),
       maxCount_(static_cast<std::size_t>(maxCount)),
-      place_(place),
+      kind_(kind),
+      hasJoins_(lattice.hasJoins(kind)),
       customers_(lattice.customers()),
       bar_(-std::numeric_limits<double>::infinity()),
       nextBar_(std::max(kFewCandidates, 4 * std::min(maxCount_, lattice.itemCount()))) {
@@ -96,7 +97,7 @@ inline void Query::take(std::uint64_t steps) {
 template <bool kAgain, Query::Reached kReached>
 inline void Query::reach(NodeId node, std::uint32_t place, std::uint32_t size) {
   bool isNew = true;
-  if (kAgain ? !w_.visits_.empty() : kReached == Reached::kByJoining) {
+  if (kAgain ? hasJoins_ : kReached == Reached::kByJoining) {
     Workspace::Visit& visit = w_.visits_[node];
     isNew = visit.query != w_.query_;
     if (!isNew && (!kAgain || visit.place == place || !lattice_.growsAbove(node))) return;
@@ -117,15 +118,17 @@ void Query::openSets(const Match& match, const Climb* begin, const Climb* end) {
     for (Position position = 1; position <= bound; ++position) {
       const ItemId item = w_.items_[position - 1];
       if (latest(item, bound) != position) continue;
-      if (const Climb* const climb = findClimb(begin, end, item))
-        reach<kAgain, Reached::kByOpening>(climb->node, occurrences[position].set, size);
+      if (const Climb* const climb = findClimb(begin, end, item); climb != nullptr && leads(*climb))
+        reach<kAgain, Reached::kByOpening>(climb->node(), occurrences[position].set, size);
     }
     return;
   }
   take(static_cast<std::uint64_t>(end - begin));
-  for (const Climb* climb = begin; climb != end; ++climb)
+  for (const Climb* climb = begin; climb != end; ++climb) {
+    if (!leads(*climb)) continue;
     if (const Position position = latest(climb->item, bound); position != 0)
-      reach<kAgain, Reached::kByOpening>(climb->node, occurrences[position].set, size);
+      reach<kAgain, Reached::kByOpening>(climb->node(), occurrences[position].set, size);
+  }
 }
 
 // Reaches sequences with one more item in the first set.
@@ -138,14 +141,15 @@ void Query::joinSets(const Match& match, const Climb* begin, const Climb* end) {
   if (static_cast<std::size_t>(end - begin) > kManyLinks * (last - bound)) {
     take(last - bound);
     for (Position position = bound; position < last; ++position)
-      if (const Climb* const climb = findClimb(begin, end, w_.items_[position]))
-        reach<kAgain, Reached::kByJoining>(climb->node, match.place, size);
+      if (const Climb* const climb = findClimb(begin, end, w_.items_[position]);
+          climb != nullptr && leads(*climb))
+        reach<kAgain, Reached::kByJoining>(climb->node(), match.place, size);
     return;
   }
   take(static_cast<std::uint64_t>(end - begin));
   for (const Climb* climb = begin; climb != end; ++climb)
-    if (latest(climb->item, last) > bound)
-      reach<kAgain, Reached::kByJoining>(climb->node, match.place, size);
+    if (leads(*climb) && latest(climb->item, last) > bound)
+      reach<kAgain, Reached::kByJoining>(climb->node(), match.place, size);
 }
 
 template <bool kAgain>
@@ -154,7 +158,7 @@ void Query::search(std::uint32_t last) {
   for (Position position = beginOf(last); position < items; ++position) {
     const ItemId item = w_.items_[position];
     // Where nothing joins, what ends in an item is all found from its last occurrence.
-    if (kAgain && w_.visits_.empty() && w_.last_[item] != position + 1) continue;
+    if (kAgain && !hasJoins_ && w_.last_[item] != position + 1) continue;
     if (const NodeId node = lattice_.item(item).node; node != kNone)
       reach<kAgain, Reached::kBySeed>(node, last, 1);
   }
@@ -208,7 +212,7 @@ void Query::askBeginnings(const History& history) {
 // --- Answers -------------------------------------------------------------------------------------
 
 void Query::propose(const Node* node) {
-  const bool joins = place_ == Place::kJoinsLastSet;
+  const bool joins = kind_ == kJoining;
   const Proposal* const begin = lattice_.proposals() + (joins ? node[0].proposals : node[0].opens);
   const Proposal* const end = lattice_.proposals() + (joins ? node[0].opens : node[1].proposals);
   if (begin == end) return;

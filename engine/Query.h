@@ -16,11 +16,9 @@ namespace orbseq::engine {
 
 class Query {
  public:
-  // Which links of a sequence answer.
-  enum class Place { kJoinsLastSet, kOpensNewSet };
-
-  // Requires maxCount > 0.
-  Query(const CompiledLattice& lattice, Workspace& workspace, std::int32_t maxCount, Place place);
+  // `kind`: which links of a sequence answer, kJoining or kOpening. Requires maxCount > 0.
+  Query(const CompiledLattice& lattice, Workspace& workspace, std::int32_t maxCount,
+        std::uint32_t kind);
   ~Query();  // leaves the workspace as it was
   Query(const Query&) = delete;
   Query& operator=(const Query&) = delete;
@@ -58,6 +56,8 @@ class Query {
 
   template <bool kAgain>
   void search(std::uint32_t last);
+  // Whether the climb leads to anything that answers.
+  bool leads(const Climb& climb) const noexcept { return (climb.marked & kind_) != 0; }
   template <bool kAgain>
   void openSets(const Match& match, const Climb* begin, const Climb* end);
   template <bool kAgain>
@@ -76,7 +76,8 @@ class Query {
   const CompiledLattice& lattice_;
   Workspace& w_;
   const std::size_t maxCount_;
-  const Place place_;
+  const std::uint32_t kind_;
+  const bool hasJoins_;  // of the kind
   const double customers_;
   double bar_;             // confidence below which a proposal cannot be an answer
   Position excluded_ = 0;  // known items seen behind it are not proposed,

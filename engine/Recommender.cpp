@@ -47,7 +47,8 @@ void Recommender::currentItems(const History& history, std::int32_t maxCount, Wo
                                Answers& out) const {
   if (maxCount <= 0) return;
   if (history.sets() == 0) return popularItems(maxCount, out);
-  Query query(lattice_, workspace, maxCount, Query::Place::kJoinsLastSet);
+  if (!lattice_.hasProposals(kJoining)) return;
+  Query query(lattice_, workspace, maxCount, kJoining);
   query.askCurrent(history);
   query.appendTo(out);
 }
@@ -56,7 +57,8 @@ void Recommender::futureItems(const History& history, std::int32_t maxCount, boo
                               Workspace& workspace, Answers& out) const {
   if (maxCount <= 0) return;
   if (history.sets() == 0) return popularItems(maxCount, out);
-  Query query(lattice_, workspace, maxCount, Query::Place::kOpensNewSet);
+  if (!lattice_.hasProposals(kOpening)) return;
+  Query query(lattice_, workspace, maxCount, kOpening);
   if (wholeOnly)
     query.askWhole(history);
   else

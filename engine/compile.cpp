@@ -31,10 +31,15 @@ std::uint32_t counted(std::size_t count) {
   return static_cast<std::uint32_t>(count);
 }
 
+std::uint32_t countedNodes(std::size_t count) {
+  if (count > kMostNodes) throw std::length_error("a compiled lattice of more than 2^30 - 1 nodes");
+  return static_cast<std::uint32_t>(count);
+}
+
 // Links with items by their own numbers, until all items are known.
 struct RawClimb {
   std::int32_t item;
-  NodeId node;
+  NodeId node;  // at last with its marks
 };
 struct RawProposal {
   std::int32_t item;
@@ -73,7 +78,7 @@ class Compiler {
     }
     nodes_.push_back({0, counted(climbs_.size()), counted(climbs_.size()),
                       counted(proposals_.size()), counted(proposals_.size())});
-    markGrowth();
+    finishClimbs();
     return image();
   }
 
@@ -117,7 +122,7 @@ class Compiler {
 
   // What no climb reaches comes last, in the order of the table.
   void finishLevel(std::size_t size) {
-    header_.levels[size + 1] = counted(nodes_.size());
+    header_.levels[size + 1] = countedNodes(nodes_.size());
     const HashtableSQPair* const longer = table(size + 1);
     if (longer != nullptr && size + 1 < Header::kLevels)
       for (const ISQCPair& entry : *longer)
@@ -215,20 +220,52 @@ class Compiler {
     return found_[k] != nullptr && found_[k]->value != nullptr;
   }
 
-  // From the longest sequences down, since climbs lead to longer ones. Until here a climb names the
-  // place in its level.
-  void markGrowth() {
+  // Until here a climb names the place in its level. From the longest sequences down, since climbs
+  // lead to longer ones: what each leads to; those that lead to no proposal are dropped.
+  void finishClimbs() {
+    std::vector<std::uint32_t> kinds(sets_.size());
     for (std::size_t size = Header::kLevels - 1; size > 0; --size)
       for (NodeId id = header_.levels[size]; id < header_.levels[size + 1]; ++id) {
-        bool grows = nodes_[id].joins < nodes_[id + 1].climbs;
+        if (nodes_[id].proposals < nodes_[id].opens) kinds[id] |= kJoining;
+        if (nodes_[id].opens < nodes_[id + 1].proposals) kinds[id] |= kOpening;
+        header_.kinds |= kinds[id];
         for (std::uint32_t k = nodes_[id].climbs; k < nodes_[id + 1].climbs; ++k) {
           climbs_[k].node += header_.levels[size + 1];
-          grows = grows || (sets_[climbs_[k].node] & CompiledLattice::kGrowsAbove) != 0;
+          kinds[id] |= kinds[climbs_[k].node];
         }
-        if (!grows) continue;
-        sets_[id] |= CompiledLattice::kGrowsAbove;
-        header_.hasJoins = 1;
       }
+    std::size_t kept = 0;
+    for (NodeId id = 0; id < sets_.size(); ++id) {
+      const Node node = nodes_[id];
+      nodes_[id].climbs = counted(kept);
+      keepClimbs(node.climbs, node.joins, kinds, kept);
+      nodes_[id].joins = counted(kept);
+      keepClimbs(node.joins, nodes_[id + 1].climbs, kinds, kept);
+    }
+    nodes_.back().climbs = nodes_.back().joins = counted(kept);
+    climbs_.resize(kept);
+    markGrowth();
+  }
+
+  void keepClimbs(std::uint32_t begin, std::uint32_t end, const std::vector<std::uint32_t>& kinds,
+                  std::size_t& kept) {
+    for (std::uint32_t k = begin; k < end; ++k)
+      if (const std::uint32_t leadsTo = kinds[climbs_[k].node]; leadsTo != 0)
+        climbs_[kept++] = {climbs_[k].item, climbs_[k].node | leadsTo};
+  }
+
+  void markGrowth() {
+    for (NodeId id = counted(sets_.size()); id-- > 0;) {
+      bool grows = false;
+      for (std::uint32_t k = nodes_[id].climbs; k < nodes_[id + 1].climbs; ++k) {
+        const Climb climb{0, climbs_[k].node};
+        const bool joins = k >= nodes_[id].joins;
+        if (joins) header_.hasJoins |= climb.marked & (kJoining | kOpening);
+        const bool above = (sets_[climb.node()] & CompiledLattice::kGrowsAbove) != 0;
+        grows = grows || ((climb.marked & kOpening) != 0 && (joins || above));
+      }
+      if (grows) sets_[id] |= CompiledLattice::kGrowsAbove;
+    }
   }
 
   // Every item that a link or a stored single item names, by number.

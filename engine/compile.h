@@ -15,7 +15,7 @@ namespace orbseq::engine {
 // Everything that the dictionary's queries answer from: its counts, and its links as they stand.
 // The same dictionary gives the same bytes. The dictionary is only read. Cost: a look-up a link at
 // the front or the end; some 100 bytes of memory a sequence meanwhile. Errors: std::bad_alloc;
-// std::length_error for more than 2^32 - 2 sequences or links of a kind.
+// std::length_error for more than 2^30 - 1 sequences, or 2^32 - 2 links.
 ORBSEQ_EXPORT CompiledLattice compile(const SEQUENCE_NAMESPACE_800::SequenceDictionary& dictionary);
 
 }  // namespace orbseq::engine

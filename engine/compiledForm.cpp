@@ -58,19 +58,15 @@ bool areBelow(const Values& values, std::uint32_t bound, Key key) noexcept {
 
 void checkNodes(std::span<const Node> nodes, const Header& header, std::uint64_t offset) {
   std::uint32_t bad = nodes.front().climbs | nodes.front().proposals;
-  std::uint32_t joins = 0;
   for (std::size_t i = 0; i + 1 < nodes.size(); ++i) {
     bad |= static_cast<std::uint32_t>(nodes[i].joins < nodes[i].climbs);
     bad |= static_cast<std::uint32_t>(nodes[i + 1].climbs < nodes[i].joins);
-    joins |= static_cast<std::uint32_t>(nodes[i + 1].climbs > nodes[i].joins);
     bad |= static_cast<std::uint32_t>(nodes[i].opens < nodes[i].proposals);
     bad |= static_cast<std::uint32_t>(nodes[i + 1].proposals < nodes[i].opens);
   }
   const Node& last = nodes.back();
   if (bad != 0 || last.climbs != header.climbs || last.proposals != header.proposals)
     refuse(offset, "the runs of the nodes do not follow each other");
-  if (joins != 0 && header.hasJoins == 0)  // a search keeps no visits then
-    refuse(offsetof(Header, hasJoins), "climbs join item sets, which the header denies");
 }
 
 // A climb leads from one level to the next, so that no search goes round.
@@ -90,9 +86,18 @@ void checkClimbs(std::span<const Node> nodes, std::span<const Climb> climbs, con
     const std::uint32_t above =
         (size + 2 <= Header::kLevels ? header.levels[size + 2] : header.nodes) - first;
     if (!areBelow(climbs.subspan(begin, end - begin), above,
-                  [first](const Climb& climb) { return climb.node - first; }))
+                  [first](const Climb& climb) { return climb.node() - first; }))
       refuse(offset, "a climb does not lead to the next level");
   }
+}
+
+// A search of a kind without joins keeps no visits.
+void checkJoins(std::span<const Node> nodes, std::span<const Climb> climbs, const Header& header) {
+  std::uint32_t kinds = 0;
+  for (std::size_t i = 0; i + 1 < nodes.size(); ++i)
+    for (std::uint32_t k = nodes[i].joins; k < nodes[i + 1].climbs; ++k) kinds |= climbs[k].marked;
+  if ((kinds & (kJoining | kOpening) & ~header.hasJoins) != 0)
+    refuse(offsetof(Header, hasJoins), "climbs join item sets, which the header denies");
 }
 
 void checkItems(std::span<const Item> items, const Header& header, std::uint64_t offset) {
@@ -158,6 +163,7 @@ CompiledLattice readCompiledForm(std::unique_ptr<const CompiledLattice::Storage>
   const auto items = sectionOf<Item>(image, layout.items, header.items);
   checkNodes(nodes, header, layout.nodes);
   checkClimbs(nodes, climbs, header, layout.climbs);
+  checkJoins(nodes, climbs, header);
   if (!areBelow(climbs, header.items, [](const Climb& climb) { return climb.item; }))
     refuse(layout.climbs, "a climb names no item");
   if (!areBelow(proposals, header.items, [](const Proposal& one) { return one.item; }))

@@ -26,7 +26,9 @@ using orbseq::engine::Climb;
 using orbseq::engine::compile;
 using orbseq::engine::CompiledLattice;
 using orbseq::engine::ItemId;
+using orbseq::engine::kJoining;
 using orbseq::engine::kNone;
+using orbseq::engine::kOpening;
 using orbseq::engine::kStranger;
 using orbseq::engine::Node;
 using orbseq::engine::NodeId;
@@ -40,8 +42,9 @@ constexpr std::int32_t kGreatest = std::numeric_limits<std::int32_t>::max();
 std::string climbsText(const CompiledLattice& lattice, std::uint32_t begin, std::uint32_t end) {
   std::string text;
   for (const Climb* climb = lattice.climbs() + begin; climb != lattice.climbs() + end; ++climb)
-    text +=
-        " " + std::to_string(lattice.item(climb->item).number) + ">" + std::to_string(climb->node);
+    text += " " + std::to_string(lattice.item(climb->item).number) + ">" +
+            std::to_string(climb->node()) + ((climb->marked & kJoining) != 0 ? "w" : "") +
+            ((climb->marked & kOpening) != 0 ? "t" : "");
   return text;
 }
 
@@ -53,8 +56,9 @@ std::string proposalsText(const CompiledLattice& lattice, std::uint32_t begin, s
 }
 
 // A line for each node: its count and its number of sets, "+" where sets grow above it, then what
-// is not empty of its runs: front, the climbs that open a set; join, those that join the first;
-// with, the proposals that join the last set; then, those that open a new one.
+// is not empty of its runs: front, the climbs that open a set; join, those that join the first,
+// with "w" and "t" where they lead to proposals of the two kinds; with, the proposals that join the
+// last set; then, those that open a new one.
 Texts nodesOf(const CompiledLattice& lattice) {
   Texts nodes;
   for (NodeId id = 0; id < lattice.nodeCount(); ++id) {
@@ -124,15 +128,18 @@ TEST(Compile, NodesStandLevelByLevelWithTheirRuns) {
                                             {"(1)(2)", 3},
                                             {"(2)(2)", 2},
                                             {"(1 2)", 4},
-                                            {"(1)(1 2)", 1}});
+                                            {"(1)(1 2)", 1},
+                                            {"(1 2)(2)", 1}});
 
+  // What leads to no proposal is not climbed to: (2)(2), (1)(1 2) and (1 2)(2).
   EXPECT_EQ(nodesOf(lattice), (Texts{
-                                  "8/1+ join 2>2 with 2#4 then 2#3",                // (1)
-                                  "5/1+ front 1>3 2>4 join 1>2 with 1#4 then 2#2",  // (2)
-                                  "4/1 front 1>5",                                  // (1 2)
-                                  "3/2 with 1#1",                                   // (1)(2)
-                                  "2/2",                                            // (2)(2)
-                                  "1/2",                                            // (1)(1 2)
+                                  "8/1+ join 2>2t with 2#4 then 2#3",             // (1)
+                                  "5/1+ front 1>3w join 1>2t with 1#4 then 2#2",  // (2)
+                                  "4/1 then 2#1",                                 // (1 2)
+                                  "3/2 with 1#1",                                 // (1)(2)
+                                  "2/2",                                          // (2)(2)
+                                  "1/2",                                          // (1)(1 2)
+                                  "1/2",                                          // (1 2)(2)
                               }));
   EXPECT_EQ(lattice.customers(), 10);
   EXPECT_TRUE(lattice.hasJoins());
@@ -154,25 +161,16 @@ TEST(Compile, LevelsTellWhereTheSequencesOfSoManyItemsStand) {
 }
 
 TEST(Compile, ClimbsStandByItemAndProposalsByCountThenGreaterItemFirst) {
-  const CompiledLattice lattice = compiled({{"", 20},
-                                            {"(1)", 9},
-                                            {"(2)", 9},
-                                            {"(3)", 9},
-                                            {"(4)", 9},
-                                            {"(4)(1)", 2},
-                                            {"(2)(1)", 7},
-                                            {"(3)(1)", 5},
-                                            {"(1)(2)", 3},
-                                            {"(1)(3)", 6},
-                                            {"(1)(4)", 3},
-                                            {"(1)(1)", 3},
-                                            {"(1 2)", 1},
-                                            {"(1 4)", 4},
-                                            {"(1 3)", 1},
-                                            {"(4)(2)(1)", 1}});
+  const CompiledLattice lattice = compiled(
+      {{"", 20},         {"(1)", 9},       {"(2)", 9},       {"(3)", 9},       {"(4)", 9},
+       {"(4)(1)", 2},    {"(2)(1)", 7},    {"(3)(1)", 5},    {"(1)(2)", 3},    {"(1)(3)", 6},
+       {"(1)(4)", 3},    {"(1)(1)", 3},    {"(1 2)", 1},     {"(1 4)", 4},     {"(1 3)", 1},
+       {"(1)(1)(4)", 1}, {"(2)(1)(4)", 1}, {"(3)(1)(4)", 1}, {"(4)(1)(4)", 1}, {"(1 2)(4)", 1},
+       {"(1 3)(4)", 1},  {"(1 4)(4)", 1}});
 
   EXPECT_EQ(nodesOf(lattice)[0],
-            "9/1+ front 1>4 2>5 3>6 4>7 join 2>8 3>9 4>10 with 4#4 3#1 2#1 then 3#6 4#3 2#3 1#3");
+            "9/1+ front 1>4t 2>5t 3>6t 4>7t join 2>8t 3>9t 4>10t with 4#4 3#1 2#1 then 3#6 4#3 2#3 "
+            "1#3");
 }
 
 TEST(Compile, GrowthIsSeenThroughClimbsThatOpenSets) {
@@ -183,67 +181,89 @@ TEST(Compile, GrowthIsSeenThroughClimbsThatOpenSets) {
                                             {"(3)", 6},
                                             {"(3)(3)", 5},
                                             {"(2)(3)(3)", 4},
-                                            {"(1 2)(3)(3)", 3}});
+                                            {"(1 2)(3)(3)", 3},
+                                            {"(1 2)(3)(3)(1)", 1}});
 
-  EXPECT_EQ(nodesOf(lattice), (Texts{"8/1", "7/1", "6/1+ front 3>3 then 3#5", "5/2+ front 2>4",
-                                     "4/3+ join 1>5", "3/3"}));
+  EXPECT_EQ(nodesOf(lattice), (Texts{"8/1", "7/1", "6/1+ front 3>3t then 3#5", "5/2+ front 2>4t",
+                                     "4/3+ join 1>5t", "3/3 then 1#1", "1/4"}));
 }
 
 TEST(Compile, WithoutItemSetsOfSeveralNothingJoinsOrGrows) {
   const CompiledLattice lattice = compiled({{"", 9}, {"(1)", 8}, {"(1)(1)", 5}, {"(1)(1)(1)", 2}});
 
-  EXPECT_EQ(nodesOf(lattice), (Texts{"8/1 front 1>1 then 1#5", "5/2 front 1>2 then 1#2", "2/3"}));
+  EXPECT_EQ(nodesOf(lattice), (Texts{"8/1 front 1>1t then 1#5", "5/2 then 1#2", "2/3"}));
   EXPECT_FALSE(lattice.hasJoins());
 }
 
 TEST(Compile, LinksInTheMiddleAreDropped) {
-  const CompiledLattice lattice = compiled({{"", 9},
-                                            {"(1)", 8},
-                                            {"(2)", 7},
-                                            {"(3)", 7},
-                                            {"(1)(3)", 6},
-                                            {"(1)(2)(3)", 4},
-                                            {"(1 2)(3)", 3}},
-                                           {{"(1)(3)", 2, 3}, {"(1)(3)", 2, 0}});
+  const CompiledLattice lattice =
+      compiled({{"", 9},
+                {"(1)", 8},
+                {"(2)", 7},
+                {"(3)", 7},
+                {"(1)(3)", 6},
+                {"(1)(2)(3)", 4},
+                {"(1 2)(3)", 3},
+                {"(1 2)(3)(3)", 1}},
+               {{"(1)(3)", 2, 3}, {"(1)(3)", 2, 0}, {"(1 2)(3)", 3, 5}});
 
   // 2 joins the first set, which is a climb, and opens one between the two, which is nothing.
-  EXPECT_EQ(nodesOf(lattice)[3], "6/2+ join 2>4");
+  EXPECT_EQ(nodesOf(lattice)[3], "6/2+ join 2>4t");
 }
 
 TEST(Compile, StaleLinksAndThoseToSequencesWithoutCounterAreDropped) {
-  const CompiledLattice lattice = compiled(
-      {{"", 9}, {"(1)", 8}, {"(2)", 7}, {"(1)(1)", {}}, {"(1)(2)", 3}, {"(1)(1)(1)", 1}},
-      {{"(1)", 1, 1}, {"(1)", 1, 3}, {"(1)", 2, 0}, {"(1)", 2, 3}, {"(1)", 7, 3}, {"(2)", 1, 1}});
+  const CompiledLattice lattice = compiled({{"", 9},
+                                            {"(1)", 8},
+                                            {"(2)", 7},
+                                            {"(1)(1)", {}},
+                                            {"(1)(2)", 3},
+                                            {"(1)(1)(1)", 1},
+                                            {"(1)(2)(2)", 1}},
+                                           {{"(1)(2)", 2, 5},
+                                            {"(1)", 1, 1},
+                                            {"(1)", 1, 3},
+                                            {"(1)", 2, 0},
+                                            {"(1)", 2, 3},
+                                            {"(1)", 7, 3},
+                                            {"(2)", 1, 1}});
 
-  EXPECT_EQ(nodesOf(lattice), (Texts{"8/1 then 2#3", "7/1 front 1>2", "3/2", "1/3"}));
+  EXPECT_EQ(nodesOf(lattice),
+            (Texts{"8/1 then 2#3", "7/1 front 1>2t", "3/2 then 2#1", "1/3", "1/3"}));
   EXPECT_EQ(lattice.find(7), kNone);
 }
 
 TEST(Compile, ClimbsByItemsThatAreNotStoredAloneAreDroppedAndTheirProposalsKept) {
-  const CompiledLattice lattice =
-      compiled({{"", 9}, {"(1)", 8}, {"(1)(5)", 4}, {"(5)(1)", 3}, {"(1)(5)(1)", 2}});
+  const CompiledLattice lattice = compiled(
+      {{"", 9}, {"(1)", 8}, {"(1)(5)", 4}, {"(5)(1)", 3}, {"(1)(5)(1)", 2}, {"(1)(5)(1)(1)", 1}});
 
   const Texts nodes = nodesOf(lattice);
-  ASSERT_EQ(nodes.size(), 4U);
+  ASSERT_EQ(nodes.size(), 5U);
   EXPECT_EQ(nodes[0], "8/1 then 5#4");
   EXPECT_THAT((Texts{nodes[1], nodes[2]}),
-              testing::UnorderedElementsAre("4/2 then 1#2",     // (1)(5)
-                                            "3/2 front 1>3"));  // (5)(1)
+              testing::UnorderedElementsAre("4/2 then 1#2",      // (1)(5)
+                                            "3/2 front 1>3t"));  // (5)(1)
 }
 
 TEST(Compile, ASequenceThatNobodyHoldsClimbsAndProposesNothing) {
   const CompiledLattice lattice =
-      compiled({{"", 9}, {"(1)", 0}, {"(2)", 5}, {"(2)(1)", 3}, {"(1)(2)", 3}, {"(2)(2)(1)", 2}},
-               {{"(1)", 2, 1}, {"(1)", 2, 3}, {"(2)", 1, 3}});
+      compiled({{"", 9},
+                {"(1)", 0},
+                {"(2)", 5},
+                {"(2)(1)", 3},
+                {"(1)(2)", 3},
+                {"(2)(2)(1)", 2},
+                {"(2)(1)(2)", 2}},
+               {{"(2)(1)", 2, 5}, {"(1)", 2, 1}, {"(1)", 2, 3}, {"(2)", 1, 3}});
 
   // Nor is an item proposed that nobody holds alone.
-  EXPECT_EQ(nodesOf(lattice), (Texts{"0/1 front 2>2", "5/1", "3/2", "3/2", "2/3"}));
+  EXPECT_EQ(nodesOf(lattice),
+            (Texts{"0/1 front 2>2t", "5/1", "3/2 then 2#2", "3/2", "2/3", "2/3"}));
 }
 
 TEST(Compile, WithoutCustomersNothingIsProposedAndNothingIsPopular) {
   const CompiledLattice lattice = compiled({{"", 0}, {"(1)", 8}, {"(1)(1)", 5}, {"(1)(1)(1)", 2}});
 
-  EXPECT_EQ(nodesOf(lattice), (Texts{"8/1 front 1>1", "5/2 front 1>2", "2/3"}));
+  EXPECT_EQ(nodesOf(lattice), (Texts{"8/1", "5/2", "2/3"}));
   EXPECT_EQ(lattice.customers(), 0);
   EXPECT_TRUE(lattice.popular().empty());
 }
@@ -367,8 +387,8 @@ TEST(Compile, TheLongestSequencesAreProposedAndNotClimbedTo) {
 
   const Texts nodes = nodesOf(lattice);
   ASSERT_EQ(nodes.size(), 32U);
-  EXPECT_EQ(nodes[0], "89/1 front 1>1 then 1#88");
-  EXPECT_EQ(nodes[29], "60/30 front 1>30 then 1#59");
+  EXPECT_EQ(nodes[0], "89/1 front 1>1t then 1#88");
+  EXPECT_EQ(nodes[29], "60/30 front 1>30t then 1#59");
   EXPECT_EQ(nodes[30], "59/31 then 1#58");
   EXPECT_EQ(nodes[31], "58/32");
   EXPECT_EQ(lattice.level(32), (std::pair<NodeId, NodeId>{31, 32}));

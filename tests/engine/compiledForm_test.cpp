@@ -226,8 +226,8 @@ TEST(CompiledForm, WrongPartsAreRefusedWhereTheyStand) {
   EXPECT_THAT(refusal(layout.nodes + offsetof(Node, joins), 1000), HasSubstr("runs of the nodes"));
   EXPECT_THAT(refusal(layout.nodes + sizeof(Node) + offsetof(Node, opens), kNone),
               HasSubstr("runs of the nodes"));
-  EXPECT_THAT(refusal(layout.climbs + offsetof(Climb, node), 0), HasSubstr("to the next level"));
-  EXPECT_THAT(refusal(layout.climbs + offsetof(Climb, node), kNone),
+  EXPECT_THAT(refusal(layout.climbs + offsetof(Climb, marked), 0), HasSubstr("to the next level"));
+  EXPECT_THAT(refusal(layout.climbs + offsetof(Climb, marked), kNone),
               HasSubstr("to the next level"));
   EXPECT_THAT(refusal(layout.climbs + offsetof(Climb, item), 3),
               HasSubstr("a climb names no item"));
