@@ -86,6 +86,7 @@ Items popularItems(const SequenceDatabase& database) {
     for (const std::int32_t item : held) ++counts[item];
   }
   std::vector<std::pair<std::size_t, std::int32_t>> order;
+  order.reserve(counts.size());
   for (const auto& [item, count] : counts) order.emplace_back(count, item);
   std::sort(order.rbegin(), order.rend());
   Items items;
