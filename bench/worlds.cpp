@@ -72,6 +72,7 @@ class Maker {
 
   void store(const std::vector<std::vector<int>>& sets, int least, int end) {
     std::vector<const int*> pointers;
+    pointers.reserve(sets.size());
     for (const auto& set : sets) pointers.push_back(set.data());
     const int count = least + static_cast<int>(random_() % static_cast<std::uint32_t>(end - least));
     const SequenceCounter counter(0, count, nullptr);
