@@ -174,10 +174,11 @@ std::unique_ptr<Lattice> trainLattice(const Training& training, const MinerOptio
                                       const SequenceDatabase& database, bool showsProgress) {
   StatusLine line(showsProgress);
   MinerOptions miner = options;
-  miner.progress = [&line](const MinerStatus& status) {
-    line.show([&status] {
-      return fmt::format("mining: {:.0f} %, {} sequences, {:.0f} MiB", status.done * 100.0,
-                         status.sequences, static_cast<double>(status.memoryBytes) / 1048576.0);
+  miner.progress = [&](const MinerStatus& status) {
+    line.show([&] {
+      return fmt::format("mining {} customers: {:.0f} %, {} sequences, {:.0f} MiB",
+                         database.customers(), status.done * 100.0, status.sequences,
+                         static_cast<double>(status.memoryBytes) / 1048576.0);
     });
     return !interrupted();
   };
