@@ -11,14 +11,15 @@ EngineScorer::EngineScorer(const engine::CompiledLattice& lattice, const ScoreOp
       wholeOnly_(!options.allPrefixes) {}
 
 Answers EngineScorer::score(const std::string&, const CustomerHistory& history) {
-  history_.clear();
-  answers_.clear();
-  engine::appendCaseText(history.history, history_);
+  scratch_.history.clear();
+  scratch_.answers.clear();
+  engine::appendCaseText(history.history, scratch_.history);
   if (futureItems_)
-    recommender_.futureItems(history_, maxReturn_, wholeOnly_, workspace_, answers_);
+    recommender_.futureItems(scratch_.history, maxReturn_, wholeOnly_, scratch_.workspace,
+                             scratch_.answers);
   else
-    recommender_.currentItems(history_, maxReturn_, workspace_, answers_);
-  return answers_;
+    recommender_.currentItems(scratch_.history, maxReturn_, scratch_.workspace, scratch_.answers);
+  return scratch_.answers;
 }
 
 }  // namespace orbseq

@@ -8,6 +8,7 @@
 #include "cli/CaseScorer.h"
 #include "cli/ScoreOptions.h"
 #include "engine/Recommender.h"
+#include "engine/Scratch.h"
 
 namespace orbseq {
 
@@ -24,9 +25,7 @@ class EngineScorer final : public CaseScorer {
   bool futureItems_;
   std::int32_t maxReturn_;
   bool wholeOnly_;
-  engine::History history_;
-  engine::Workspace workspace_;
-  engine::Answers answers_;
+  engine::Scratch scratch_;
 };
 
 }  // namespace orbseq

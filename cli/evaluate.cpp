@@ -23,6 +23,7 @@
 #include "cli/parallel.h"
 #include "engine/Pool.h"
 #include "engine/Recommender.h"
+#include "engine/Scratch.h"
 #include "engine/compile.h"
 #include "io/ItemNames.h"
 #include "io/process.h"
@@ -113,22 +114,15 @@ Items filledUp(Items list, const Items& popular) {
   return list;
 }
 
-// What one question takes.
-struct Scratch {
-  engine::History history;
-  engine::Workspace workspace;
-  engine::Answers answers;
-};
-
 void ask(const EvaluateOptions& options, const Lattice& lattice, const SequenceDatabase& log,
          const std::vector<HeldOut>& cases, const Items& popular, StatusLine& line,
          Evaluation& evaluation) {
   std::vector<Items> lists(cases.size());
   const engine::CompiledLattice compiled = engine::compile(lattice);
   const engine::Recommender recommender(compiled);
-  engine::Pool<Scratch> pool;
+  engine::Pool<engine::Scratch> pool;
   const auto answer = [&](std::size_t i) {
-    const engine::Pool<Scratch>::Borrowed scratch(pool);
+    const engine::Pool<engine::Scratch>::Borrowed scratch(pool);
     scratch->history.clear();
     for (std::size_t set = cases[i].firstSet; set < cases[i].lastSet; ++set)
       scratch->history.addSet(log.items(set));

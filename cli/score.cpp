@@ -102,7 +102,7 @@ ScoringModel loadModel(const ScoreOptions& options) {
   ScoringModel loaded;
   if (options.module.empty()) {
     loaded.compiled = readCompiledModel(options.model.model, options.model.limits);
-    loaded.labels = loaded.compiled->labels;
+    loaded.labels = std::move(loaded.compiled->labels);
     return loaded;
   }
   const OrbScore::SafeDocument document = readDocument(options.model.model, options.model.limits);

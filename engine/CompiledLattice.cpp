@@ -13,6 +13,13 @@ const T* at(const std::byte* image, std::uint64_t offset) noexcept {
 
 }  // namespace
 
+const Item* findItem(std::span<const Item> items, std::int32_t number) noexcept {
+  const auto found =
+      std::lower_bound(items.begin(), items.end(), number,
+                       [](const Item& item, std::int32_t wanted) { return item.number < wanted; });
+  return found != items.end() && found->number == number ? &*found : nullptr;
+}
+
 Layout layoutOf(const Header& header) noexcept {
   constexpr std::uint64_t kAlignment = 64;
   std::uint64_t end = sizeof(Header);
@@ -60,11 +67,8 @@ std::pair<NodeId, NodeId> CompiledLattice::level(std::size_t items) const noexce
 }
 
 ItemId CompiledLattice::findSlowly(std::int32_t number) const noexcept {
-  const Item* const end = items_ + header_->items;
-  const Item* const found =
-      std::lower_bound(items_, end, number,
-                       [](const Item& item, std::int32_t wanted) { return item.number < wanted; });
-  if (found == end || found->number != number) return kNone;
+  const Item* const found = findItem({items_, header_->items}, number);
+  if (found == nullptr) return kNone;
   return static_cast<ItemId>(found - items_) | (found->isKnown != 0 ? 0 : kStranger);
 }
 

@@ -86,6 +86,9 @@ struct Item {
   std::uint32_t isKnown;
 };
 
+// The item of that number among items by number, or null.
+ORBSEQ_EXPORT const Item* findItem(std::span<const Item> items, std::int32_t number) noexcept;
+
 // Where an image of so many things has its sections. All offsets are multiples of 64 bytes.
 struct Layout {
   std::uint64_t nodes = 0;

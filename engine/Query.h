@@ -79,12 +79,13 @@ class Query {
   const std::uint32_t kind_;
   const bool hasJoins_;  // of the kind
   const double customers_;
-  double bar_;             // confidence below which a proposal cannot be an answer
-  Position excluded_ = 0;  // known items seen behind it are not proposed,
-  std::uint32_t excludedSet_ =
-      0;  // nor strangers in a set of this number, from 0, or a greater one
+  double bar_;  // confidence below which a proposal cannot be an answer
+  // Not proposed are known items seen behind the position, and strangers in a set of this number,
+  // from 0, or a greater one.
+  Position excluded_ = 0;
+  std::uint32_t excludedSet_ = 0;
   std::uint64_t steps_ = 0;
-  std::size_t nextBar_ = 0;  // candidates at which the bar is looked for again
+  std::size_t nextBar_;  // candidates at which the bar is looked for again
 };
 
 }  // namespace orbseq::engine

@@ -156,11 +156,13 @@ class Compiler {
     const auto* const adjacent = entry.value->getAdjacentItems();
     if (adjacent != nullptr && key.size() < NTSequence::kMaxItems)
       for (const auto& [item, code] : *adjacent) {
-        const bool climbs =
-            canClimb && (code == kJoinsFirstSet || code == kOpensFirstSet) && isKnown(item);
-        const bool proposes =
-            canPropose && (code == 2 * (sets - 1) || code == 2 * sets + 1) && hasCause(item);
-        if ((!climbs && !proposes) || !key.isPosition(code)) continue;
+        const bool isInFront = canClimb && (code == kJoinsFirstSet || code == kOpensFirstSet);
+        const bool isBehind = canPropose && (code == 2 * (sets - 1) || code == 2 * sets + 1);
+        if ((!isInFront && !isBehind) || !key.isPosition(code)) continue;
+        const Item* const single = findItem(singles_, item);
+        const bool climbs = isInFront && single != nullptr;
+        const bool proposes = isBehind && hasCause(single);
+        if (!climbs && !proposes) continue;
         links_.push_back({{item, code}, climbs, proposes});
         longer_.emplace_back(key, item, code);
       }
@@ -168,18 +170,9 @@ class Compiler {
     appendRuns(*entry.value, sets, counted(nodes_.size()));
   }
 
-  bool isKnown(std::int32_t item) const {
-    return std::binary_search(singles_.begin(), singles_.end(), Item{item, 0, 0, 0},
-                              [](const Item& a, const Item& b) { return a.number < b.number; });
-  }
-
   // Whether the item's count leaves a fraction: 0 customers that hold it alone do not.
-  bool hasCause(std::int32_t item) const {
-    const auto single =
-        std::lower_bound(singles_.begin(), singles_.end(), item,
-                         [](const Item& one, std::int32_t wanted) { return one.number < wanted; });
-    return single == singles_.end() || single->number != item || single->node == kNone ||
-           single->count != 0;
+  static bool hasCause(const Item* single) noexcept {
+    return single == nullptr || single->node == kNone || single->count != 0;
   }
 
   void lookUp(std::size_t size) {
@@ -310,12 +303,9 @@ class Compiler {
                : 0;
   }
 
+  // Requires an item that was gathered.
   ItemId idOf(std::int32_t number) const noexcept {
-    return static_cast<ItemId>(std::lower_bound(items_.begin(), items_.end(), number,
-                                                [](const Item& item, std::int32_t wanted) {
-                                                  return item.number < wanted;
-                                                }) -
-                               items_.begin());
+    return static_cast<ItemId>(findItem(items_, number) - items_.data());
   }
 
   CompiledLattice image() {

@@ -115,11 +115,6 @@ std::vector<std::int32_t> LogBuilder::lookItemsUp() const {
   return numbers;
 }
 
-void LogBuilder::countUnknown(TransactionLog& log, std::int64_t code) const {
-  const std::string& text = texts_[static_cast<std::size_t>(-1 - code)];
-  log.unknown.count(text);
-}
-
 void LogBuilder::addLabels(TransactionLog& log, const std::vector<std::int32_t>& numbers) const {
   for (const auto& [item, description] : descriptions_) {
     std::string label = item;
@@ -157,7 +152,7 @@ void LogBuilder::fill(TransactionLog& log, const std::vector<std::int32_t>& numb
     const std::int32_t item = row.code >= 0 ? static_cast<std::int32_t>(row.code)
                                             : numbers[static_cast<std::size_t>(-1 - row.code)];
     if (item == kUnknown)
-      countUnknown(log, row.code);
+      log.unknown.count(texts_[static_cast<std::size_t>(-1 - row.code)]);
     else
       log.database.addItem(item);
   }

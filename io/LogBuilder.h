@@ -71,7 +71,6 @@ class LogBuilder {
   void order();
   std::vector<std::int32_t> numberItems(TransactionLog& log);
   std::vector<std::int32_t> lookItemsUp() const;
-  void countUnknown(TransactionLog& log, std::int64_t code) const;
   void addLabels(TransactionLog& log, const std::vector<std::int32_t>& numbers) const;
   void fill(TransactionLog& log, const std::vector<std::int32_t>& numbers) const;
 

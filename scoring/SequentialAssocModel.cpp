@@ -6,6 +6,7 @@
 
 #include "engine/Pool.h"
 #include "engine/Recommender.h"
+#include "engine/Scratch.h"
 #include "engine/caseText.h"
 #include "engine/compile.h"
 #include "lattice/SequenceDictionary.h"
@@ -67,12 +68,7 @@ class SequentialAssocModel::Lattice final : public SEQUENCE_NAMESPACE_800::Seque
 
 class SequentialAssocModel::Engine {
  public:
-  // What one case takes.
-  struct Scratch {
-    orbseq::engine::History history;
-    orbseq::engine::Workspace workspace;
-    orbseq::engine::Answers items;
-  };
+  using Scratch = orbseq::engine::Scratch;
   using Borrowed = orbseq::engine::Pool<Scratch>::Borrowed;
 
   explicit Engine(const Lattice& lattice)
@@ -85,10 +81,10 @@ class SequentialAssocModel::Engine {
     orbseq::engine::appendCaseText(fields.history, scratch.history);
     if (fields.futureItems)
       recommender_.futureItems(scratch.history, fields.maxReturn, fields.wholeOnly,
-                               scratch.workspace, scratch.items);
+                               scratch.workspace, scratch.answers);
     else
       recommender_.currentItems(scratch.history, fields.maxReturn, scratch.workspace,
-                                scratch.items);
+                                scratch.answers);
   }
 
  private:
@@ -124,9 +120,9 @@ OrbScore::OrbStatus SequentialAssocModel::GetScore(const OrbScore::ScoreCaseReco
   const CaseFields fields = readCaseFields(record);
   if (!engine_) return fill(result, fields, {});
   const Engine::Borrowed scratch = engine_->borrow();
-  scratch->items.clear();
+  scratch->answers.clear();
   engine_->answer(fields, *scratch);
-  return fill(result, fields, scratch->items);
+  return fill(result, fields, scratch->answers);
 }
 
 void SequentialAssocModel::Display(std::ostream& os) const {
