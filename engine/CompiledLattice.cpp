@@ -35,7 +35,7 @@ Layout layoutOf(const Header& header) noexcept {
   layout.proposals = section(header.proposals, sizeof(Proposal));
   layout.items = section(header.items, sizeof(Item));
   layout.popular = section(header.popular, sizeof(ItemId));
-  layout.lookup = section(header.lookup, sizeof(ItemId));
+  layout.lookup = section(header.lookup, sizeof(std::uint32_t));
   layout.bytes = end;
   return layout;
 }
@@ -51,7 +51,7 @@ CompiledLattice::CompiledLattice(std::unique_ptr<const Storage> storage)
   proposals_ = at<Proposal>(image, layout.proposals);
   items_ = at<Item>(image, layout.items);
   popular_ = at<ItemId>(image, layout.popular);
-  lookup_ = at<ItemId>(image, layout.lookup);
+  lookup_ = at<std::uint32_t>(image, layout.lookup);
   lookupSize_ = header_->lookup;
   leastItem_ = header_->items > 0 ? static_cast<std::uint32_t>(items_[0].number) : 0;
   hasStrangers_ = header_->hasStrangers != 0;
@@ -66,10 +66,10 @@ std::pair<NodeId, NodeId> CompiledLattice::level(std::size_t items) const noexce
   return {header_->levels[items], header_->levels[items + 1]};
 }
 
-ItemId CompiledLattice::findSlowly(std::int32_t number) const noexcept {
+std::uint32_t CompiledLattice::findSlowly(std::int32_t number) const noexcept {
   const Item* const found = findItem({items_, header_->items}, number);
   if (found == nullptr) return kNone;
-  return static_cast<ItemId>(found - items_) | (found->isKnown != 0 ? 0 : kStranger);
+  return static_cast<ItemId>(found - items_) | found->marks;
 }
 
 std::vector<std::pair<const char*, std::size_t>> CompiledLattice::bytesBySection() const {
@@ -80,7 +80,7 @@ std::vector<std::pair<const char*, std::size_t>> CompiledLattice::bytesBySection
           {"proposals", header_->proposals * sizeof(Proposal)},
           {"items", header_->items * sizeof(Item)},
           {"popular", header_->popular * sizeof(ItemId)},
-          {"lookup", header_->lookup * sizeof(ItemId)}};
+          {"lookup", header_->lookup * sizeof(std::uint32_t)}};
 }
 
 }  // namespace orbseq::engine

@@ -15,8 +15,8 @@
 //              item opens a new one, each by count, the largest first
 //   items      16 bytes an item, by number
 //   popular    4 bytes an item, by popularity
-//   lookup     4 bytes a number from the least item to the greatest; empty where that would be more
-//              than kMostLookup in all and for an item
+//   lookup     4 bytes a number from the least item to the greatest: the item with its marks; empty
+//              where that would be more than kMostLookup in all and for an item
 //
 // A lattice of one-item sets comes to 20 + 1 + 8 + 8 bytes a sequence; an item set of k items in
 // front or at the end costs k links instead of one.
@@ -49,8 +49,16 @@ namespace orbseq::engine {
 using NodeId = std::uint32_t;
 using ItemId = std::uint32_t;
 constexpr std::uint32_t kNone = 0xFFFFFFFFU;
-// Added to the number of an item that is not stored alone.
-constexpr std::uint32_t kStranger = 0x80000000U;
+// Marks added to the number of an item: what it is, and what the question for one kind of
+// proposals - what joins the last item set, what opens a new one - needs it for.
+constexpr std::uint32_t kStranger = 0x80000000U;         // not stored alone
+constexpr std::uint32_t kClimbsToJoining = 0x40000000U;  // some climb by it leads to such proposals
+constexpr std::uint32_t kClimbsToOpening = 0x20000000U;
+constexpr std::uint32_t kStartsJoining = 0x10000000U;  // alone it has some, or leads to some
+constexpr std::uint32_t kStartsOpening = 0x08000000U;
+constexpr std::uint32_t kIsOpening =
+    0x04000000U;  // it is proposed itself, so that it matters where
+constexpr std::uint32_t kMostItems = 0x03FFFFFFU;
 
 struct Node {
   std::int32_t count;       // customers that hold the sequence
@@ -73,6 +81,12 @@ struct Climb {
   NodeId node() const noexcept { return marked & kMostNodes; }
 };
 
+// The marks of an item by which a climb of those marks goes.
+constexpr std::uint32_t marksOfClimb(std::uint32_t marked) noexcept {
+  return ((marked & kJoining) != 0 ? kClimbsToJoining : 0) |
+         ((marked & kOpening) != 0 ? kClimbsToOpening : 0);
+}
+
 struct Proposal {
   ItemId item;
   std::int32_t count;  // customers that hold the longer sequence
@@ -82,8 +96,10 @@ struct Item {
   std::int32_t number;
   NodeId node;         // of the sequence of this item alone; kNone: it has no counter
   std::int32_t count;  // of that sequence; 0 without a counter
+  std::uint32_t marks;
+
   // Whether the sequence of this item alone is stored: others are left out of histories.
-  std::uint32_t isKnown;
+  bool isKnown() const noexcept { return (marks & kStranger) == 0; }
 };
 
 // The item of that number among items by number, or null.
@@ -104,7 +120,7 @@ struct Layout {
 // The beginning of an image.
 struct Header {
   static constexpr std::uint64_t kMagic = 0x0A43'5145'5342'524FU;  // "ORBSEQC\n", little end first
-  static constexpr std::uint32_t kVersion = 1;
+  static constexpr std::uint32_t kVersion = 2;
   static constexpr std::uint32_t kByteOrder = 0x01020304U;
   static constexpr std::size_t kLevels = 33;  // of sequences of up to 32 items
 
@@ -172,9 +188,9 @@ class ORBSEQ_EXPORT CompiledLattice {
   // Items that are stored alone, with a counter: most customers first, greater numbers first among
   // equals.
   std::span<const ItemId> popular() const noexcept { return {popular_, header_->popular}; }
-  // The item of that number, with kStranger where it is not stored alone; kNone, which is greater
-  // still, where the lattice has nothing of it.
-  ItemId find(std::int32_t number) const noexcept {
+  // The item of that number with its marks; kNone, which is greater than all others, where the
+  // lattice has nothing of it. What is known is less than kStranger.
+  std::uint32_t find(std::int32_t number) const noexcept {
     const std::uint32_t offset = static_cast<std::uint32_t>(number) - leastItem_;
     if (offset < lookupSize_) return lookup_[offset];
     return lookupSize_ > 0 ? kNone : findSlowly(number);
@@ -185,7 +201,7 @@ class ORBSEQ_EXPORT CompiledLattice {
   std::vector<std::pair<const char*, std::size_t>> bytesBySection() const;
 
  private:
-  ItemId findSlowly(std::int32_t number) const noexcept;
+  std::uint32_t findSlowly(std::int32_t number) const noexcept;
 
   std::unique_ptr<const Storage> storage_;
   const Header* header_;
@@ -195,7 +211,7 @@ class ORBSEQ_EXPORT CompiledLattice {
   const Proposal* proposals_;
   const Item* items_;
   const ItemId* popular_;
-  const ItemId* lookup_;
+  const std::uint32_t* lookup_;
   std::uint32_t lookupSize_;
   std::uint32_t leastItem_;
   bool hasStrangers_;

@@ -44,9 +44,9 @@ class History {
   std::size_t sets() const noexcept { return ends_.size(); }
   std::size_t items() const noexcept { return items_.size(); }
   std::span<const std::int32_t> set(std::size_t k) const noexcept {
-    const std::size_t begin = k == 0 ? 0 : ends_[k - 1];
-    return {items_.data() + begin, ends_[k] - begin};
+    return {items_.data() + firstItem(k), ends_[k] - firstItem(k)};
   }
+  std::size_t firstItem(std::size_t k) const noexcept { return k == 0 ? 0 : ends_[k - 1]; }
 
  private:
   std::vector<std::int32_t> items_;

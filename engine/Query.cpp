@@ -1,7 +1,5 @@
 #include "engine/Query.h"
 
-#include <limits>
-
 namespace orbseq::engine {
 
 namespace {
@@ -22,6 +20,8 @@ Query::Query(const CompiledLattice& lattice, Workspace& workspace, std::int32_t 
       w_(workspace),
       maxCount_(static_cast<std::size_t>(maxCount)),
       kind_(kind),
+      climbing_(marksOfClimb(kind)),
+      starting_(kind == kJoining ? kStartsJoining : kStartsOpening),
       hasJoins_(lattice.hasJoins(kind)),
       customers_(lattice.customers()),
       bar_(-std::numeric_limits<double>::infinity()),
@@ -30,11 +30,13 @@ Query::Query(const CompiledLattice& lattice, Workspace& workspace, std::int32_t 
 }
 
 Query::~Query() {
-  for (Position position = 0; position < w_.itemCount_; ++position)
-    w_.last_[w_.items_[position]] = 0;
+  for (Position position = 0; position < w_.kept_; ++position)
+    w_.last_[w_.items_[position] & kMostItems] = 0;
+  for (Position position = w_.lastBegin_; position < w_.lastEnd_; ++position)
+    w_.last_[w_.items_[position] & kMostItems] = 0;
   for (const ItemId item : w_.strangers_) w_.latest_[item] = 0;
   for (const Candidate& candidate : w_.candidates_) w_.candidate_[candidate.item] = kNone;
-  w_.itemCount_ = 0;
+  w_.kept_ = w_.lastBegin_ = w_.lastEnd_ = 0;
   w_.strangers_.clear();
   w_.candidates_.clear();
   w_.matches_.clear();
@@ -42,46 +44,95 @@ Query::~Query() {
 
 // --- The history ---------------------------------------------------------------------------------
 
-void Query::addStranger(ItemId item, std::size_t set) {
-  if (w_.latest_[item] == 0) w_.strangers_.push_back(item);
-  w_.latest_[item] = static_cast<std::uint32_t>(set + 1);
+void Query::prepare(const History& history) {
+  const std::size_t items = history.items();
+  if (w_.items_.size() <= items) w_.items_.resize(items + 1);
+  if (w_.occurrences_.size() <= items) w_.occurrences_.resize(items + 1);
+  if (w_.sets_.size() < history.sets()) w_.sets_.resize(history.sets());
+  w_.occurrences_[0] = {0, 0, 0, 0};
 }
 
-// Keeps the items that the lattice stores alone, and the sets that have any.
-void Query::read(const History& history, Strangers strangers) {
-  if (w_.items_.size() < history.items()) w_.items_.resize(history.items());
-  if (w_.occurrences_.size() <= history.items()) w_.occurrences_.resize(history.items() + 1);
-  w_.ends_.clear();
-  w_.numbers_.clear();
-  ItemId* const items = w_.items_.data();
-  Workspace::Occurrence* const occurrences = w_.occurrences_.data();
-  Position* const lasts = w_.last_.data();
-  occurrences[0] = {0, 0, 0, 0};
-  const bool notes = strangers == Strangers::kNote && lattice_.hasStrangers();
-  Position count = 0;
-  for (std::size_t k = 0; k < history.sets(); ++k) {
-    const Position before = count;
-    const std::uint32_t set = sets();
+// An item of the set takes its place, where those before it have theirs.
+inline void Query::keep(Position position, std::uint32_t set) {
+  const std::uint32_t marked = w_.items_[position];
+  Position& last = w_.last_[marked & kMostItems];
+  const Position previous = last;
+  last = position + 1;
+  if ((marked & climbing_) == 0) return;
+  const auto* const occurrences = w_.occurrences_.data();
+  const Workspace::Occurrence& before = occurrences[previous];
+  const Workspace::Occurrence& jumped = occurrences[before.jump];
+  const bool jumpsOn = before.rank - jumped.rank == jumped.rank - occurrences[jumped.jump].rank;
+  w_.occurrences_[position + 1] = {previous, jumpsOn ? jumped.jump : previous, before.rank + 1,
+                                   set};
+}
+
+// Reads the last set that has known items, and keeps these, where they stand when everything
+// before is kept. Most of what is before need not be read, and for many histories nothing.
+bool Query::readLast(const History& history) {
+  prepare(history);
+  std::uint32_t* const items = w_.items_.data();
+  for (std::size_t k = history.sets(); k-- > 0;) {
+    const auto begin = static_cast<Position>(history.firstItem(k));
+    Position end = begin;
     for (const std::int32_t number : history.set(k)) {
-      const ItemId item = lattice_.find(number);
-      if (item >= kStranger) {
-        w_.itemCount_ = count;  // should memory run out
-        if (notes && item != kNone) addStranger(item - kStranger, k);
-        continue;
-      }
-      const Position previous = lasts[item];
-      const Workspace::Occurrence& last = occurrences[previous];
-      const Workspace::Occurrence& jumped = occurrences[last.jump];
-      const bool jumpsOn = last.rank - jumped.rank == jumped.rank - occurrences[jumped.jump].rank;
-      items[count] = item;
-      lasts[item] = ++count;
-      occurrences[count] = {previous, jumpsOn ? jumped.jump : previous, last.rank + 1, set};
+      items[end] = lattice_.find(number);
+      end += static_cast<Position>(items[end] < kStranger);
     }
-    w_.itemCount_ = count;
-    if (count == before) continue;
-    w_.ends_.push_back(count);
-    w_.numbers_.push_back(static_cast<std::uint32_t>(k));
+    if (end == begin) continue;
+    lastSet_ = static_cast<std::uint32_t>(k);
+    unread_ = &history;
+    w_.lastBegin_ = begin;
+    w_.lastEnd_ = end;
+    w_.sets_[k] = {begin, end, end - begin};
+    for (Position position = begin; position < end; ++position) keep(position, lastSet_);
+    return true;
   }
+  return false;
+}
+
+// Reads the sets before the last known one; only what climbs go by is kept of them.
+void Query::readBeforeLast() {
+  for (Position position = w_.lastBegin_; position < w_.lastEnd_; ++position)
+    w_.last_[w_.items_[position] & kMostItems] = 0;
+  readFirst(*unread_, lastSet_, climbing_);
+  unread_ = nullptr;
+  for (Position position = w_.lastBegin_; position < w_.lastEnd_; ++position)
+    keep(position, lastSet_);
+  if (lastSet_ > 0) w_.sets_[lastSet_].known += w_.sets_[lastSet_ - 1].known;
+}
+
+// Reads so many sets and keeps the known items that have any of the marks.
+void Query::readFirst(const History& history, std::size_t sets, std::uint32_t marks) {
+  std::uint32_t* const items = w_.items_.data();
+  Position end = 0;
+  Position known = 0;
+  for (std::size_t k = 0; k < sets; ++k) {
+    const Position begin = end;
+    for (const std::int32_t number : history.set(k)) {
+      const std::uint32_t marked = lattice_.find(number);
+      items[end] = marked;
+      end += static_cast<Position>(isKept(marked, marks));
+      known += static_cast<Position>(marked < kStranger);
+    }
+    w_.sets_[k] = {begin, end, known};
+    for (Position position = begin; position < end; ++position)
+      keep(position, static_cast<std::uint32_t>(k));
+    w_.kept_ = end;
+  }
+}
+
+// Notes in which set strangers were seen last, from a set on.
+void Query::noteStrangers(const History& history, std::size_t first) {
+  if (!lattice_.hasStrangers()) return;
+  for (std::size_t k = first; k < history.sets(); ++k)
+    for (const std::int32_t number : history.set(k)) {
+      const std::uint32_t marked = lattice_.find(number);
+      if (marked < kStranger || marked == kNone) continue;
+      const ItemId item = marked & kMostItems;
+      if (w_.latest_[item] == 0) w_.strangers_.push_back(item);
+      w_.latest_[item] = static_cast<std::uint32_t>(k + 1);
+    }
 }
 
 // --- The search ----------------------------------------------------------------------------------
@@ -91,33 +142,38 @@ inline void Query::take(std::uint64_t steps) {
   if (steps_ > w_.budget_) throw StepBudgetSpent(w_.budget_);
 }
 
-// A sequence is to be worked on when it leads to something that is not known yet. In one search
-// only one that is joined can be reached more than once. When the history is searched again, with
-// an earlier last set, a sequence found before can stand in an earlier place.
+// A sequence found proposes, and is to be climbed from, when that leads to something that is not
+// known yet. In one search only one that is joined can be reached more than once. When the history
+// is searched again, with an earlier last set, a sequence found before can stand in an earlier
+// place.
 template <bool kAgain, Query::Reached kReached>
-inline void Query::reach(NodeId node, std::uint32_t place, std::uint32_t size) {
+inline void Query::reach(NodeId id, std::uint32_t place, std::uint32_t size) {
   bool isNew = true;
   if (kAgain ? hasJoins_ : kReached == Reached::kByJoining) {
-    Workspace::Visit& visit = w_.visits_[node];
+    Workspace::Visit& visit = w_.visits_[id];
     isNew = visit.query != w_.query_;
-    if (!isNew && (!kAgain || visit.place == place || !lattice_.growsAbove(node))) return;
+    if (!isNew && (!kAgain || visit.place == place || !lattice_.growsAbove(id))) return;
     visit = {w_.query_, place};
   }
-  w_.matches_.push_back({node, place, static_cast<std::uint16_t>(size), isNew});
+  const Node* const node = lattice_.node(id);
+  if (isNew) propose(node);
+  if (node[0].climbs != node[1].climbs) w_.matches_.push_back({id, place, size});
 }
 
 // Reaches sequences with one more item in front, in an earlier set.
 template <bool kAgain>
 void Query::openSets(const Match& match, const Climb* begin, const Climb* end) {
-  const Position bound = beginOf(match.place);
-  if (bound == 0 || begin == end) return;
+  if (match.place == 0 || begin == end) return;
+  if (unread_ != nullptr) readBeforeLast();
+  const Position bound = endBefore(match.place);
+  if (bound == 0) return;
   const auto* const occurrences = w_.occurrences_.data();
-  const std::uint32_t size = match.size + 1U;
+  const std::uint32_t size = match.size + 1;
   if (static_cast<std::size_t>(end - begin) > kManyLinks * bound) {
     take(bound);
     for (Position position = 1; position <= bound; ++position) {
-      const ItemId item = w_.items_[position - 1];
-      if (latest(item, bound) != position) continue;
+      const ItemId item = w_.items_[position - 1] & kMostItems;
+      if ((w_.items_[position - 1] & climbing_) == 0 || latest(item, bound) != position) continue;
       if (const Climb* const climb = findClimb(begin, end, item); climb != nullptr && leads(*climb))
         reach<kAgain, Reached::kByOpening>(climb->node(), occurrences[position].set, size);
     }
@@ -135,13 +191,13 @@ void Query::openSets(const Match& match, const Climb* begin, const Climb* end) {
 template <bool kAgain>
 void Query::joinSets(const Match& match, const Climb* begin, const Climb* end) {
   if (begin == end) return;
-  const Position bound = beginOf(match.place);
-  const Position last = w_.ends_[match.place];
-  const std::uint32_t size = match.size + 1U;
+  const Position bound = w_.sets_[match.place].begin;
+  const Position last = w_.sets_[match.place].end;
+  const std::uint32_t size = match.size + 1;
   if (static_cast<std::size_t>(end - begin) > kManyLinks * (last - bound)) {
     take(last - bound);
     for (Position position = bound; position < last; ++position)
-      if (const Climb* const climb = findClimb(begin, end, w_.items_[position]);
+      if (const Climb* const climb = findClimb(begin, end, w_.items_[position] & kMostItems);
           climb != nullptr && leads(*climb))
         reach<kAgain, Reached::kByJoining>(climb->node(), match.place, size);
     return;
@@ -152,60 +208,61 @@ void Query::joinSets(const Match& match, const Climb* begin, const Climb* end) {
       reach<kAgain, Reached::kByJoining>(climb->node(), match.place, size);
 }
 
+// Whether a match takes all of the history up to the set: nothing can be in front of it.
+inline bool Query::isWhole(const Match& match, std::uint32_t last) {
+  if (unread_ != nullptr && match.size >= w_.sets_[last].known) readBeforeLast();
+  return match.size >= w_.sets_[last].known;
+}
+
 template <bool kAgain>
 void Query::search(std::uint32_t last) {
-  const std::uint32_t items = w_.ends_[last];  // of the sets up to the last
-  for (Position position = beginOf(last); position < items; ++position) {
-    const ItemId item = w_.items_[position];
-    // Where nothing joins, what ends in an item is all found from its last occurrence.
-    if (kAgain && !hasJoins_ && w_.last_[item] != position + 1) continue;
-    if (const NodeId node = lattice_.item(item).node; node != kNone)
-      reach<kAgain, Reached::kBySeed>(node, last, 1);
+  const Workspace::Set set = w_.sets_[last];
+  for (Position position = set.begin; position < set.end; ++position) {
+    if ((w_.items_[position] & starting_) == 0) continue;
+    const ItemId item = w_.items_[position] & kMostItems;
+    const NodeId node = lattice_.item(item).node;
+    if (node == kNone) continue;
+    // Where nothing joins above, what ends in an item is all found from its last occurrence.
+    if (kAgain && w_.last_[item] != position + 1 && (!hasJoins_ || !lattice_.growsAbove(node)))
+      continue;
+    reach<kAgain, Reached::kBySeed>(node, last, 1);
   }
   const Climb* const climbs = lattice_.climbs();
   while (!w_.matches_.empty()) {
     const Match match = w_.matches_.back();
     w_.matches_.pop_back();
     const Node* const node = lattice_.node(match.node);
-    if (match.isNew != 0) propose(node);
-    if (match.size >= items) continue;
+    if (isWhole(match, last)) continue;
     openSets<kAgain>(match, climbs + node[0].climbs, climbs + node[0].joins);
     joinSets<kAgain>(match, climbs + node[0].joins, climbs + node[1].climbs);
   }
 }
 
 void Query::askCurrent(const History& history) {
-  read(history, Strangers::kLeaveOut);
-  if (sets() == 0) return;
+  if (!readLast(history)) return;
   const std::size_t last = history.sets() - 1;
-  if (lattice_.hasStrangers())
-    for (const std::int32_t number : history.set(last))
-      if (const ItemId item = lattice_.find(number); item >= kStranger && item != kNone)
-        addStranger(item - kStranger, last);
+  noteStrangers(history, last);
   // Items of the last set, known or not, are there already.
-  excluded_ = w_.numbers_.back() == last ? beginOf(sets() - 1) : w_.ends_.back();
+  if (lastSet_ == last) excluded_ = w_.lastBegin_;
   excludedSet_ = static_cast<std::uint32_t>(last);
-  search<false>(sets() - 1);
+  search<false>(lastSet_);
 }
 
 void Query::askWhole(const History& history) {
-  read(history, Strangers::kLeaveOut);
-  if (sets() == 0) return;
-  excluded_ = w_.ends_.back();
-  excludedSet_ = static_cast<std::uint32_t>(history.sets());
-  search<false>(sets() - 1);
+  if (readLast(history)) search<false>(lastSet_);
 }
 
 void Query::askBeginnings(const History& history) {
-  read(history, Strangers::kNote);
-  if (sets() == 0) return;
-  excluded_ = w_.ends_.back();
-  excludedSet_ = static_cast<std::uint32_t>(history.sets());
-  for (std::uint32_t last = sets(); last-- > 0;) {
+  prepare(history);
+  readFirst(history, history.sets(), starting_ | climbing_ | kIsOpening);
+  noteStrangers(history, 0);
+  for (auto last = static_cast<std::uint32_t>(history.sets()); last-- > 0;) {
+    if (w_.sets_[last].known == (last == 0 ? 0 : w_.sets_[last - 1].known)) continue;
     search<true>(last);
-    // Of the beginnings that end in the set before, the longest excludes least: all from here on.
-    excluded_ = beginOf(last);
-    excludedSet_ = w_.numbers_[last];
+    // Of the beginnings that end in the known set before, the longest excludes least: all from
+    // here on.
+    excluded_ = w_.sets_[last].begin;
+    excludedSet_ = last;
   }
 }
 
@@ -228,11 +285,10 @@ template <class IsExcluded>
 inline void Query::proposeRun(const Proposal* begin, const Proposal* end, double count,
                               IsExcluded isExcluded) {
   for (const Proposal* proposal = begin; proposal != end; ++proposal) {
+    // Most of what is below the bar is told by a product; what is near it, by the quotient.
+    if (count > 0.0 && proposal->count < bar_ * count * kNearlyOne) break;  // the rest have less
     const double confidence = proposal->count / count;
-    if (confidence < bar_) {
-      if (count > 0.0) break;  // those that follow have less still
-      continue;
-    }
+    if (confidence < bar_) continue;
     if (!isExcluded(proposal->item)) offer(proposal->item, confidence, proposal->count);
   }
 }

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 #include "engine/CompiledLattice.h"
 #include "engine/History.h"
@@ -32,19 +33,28 @@ class Query {
  private:
   using Match = Workspace::Match;
   using Candidate = Workspace::Candidate;
-  static constexpr std::size_t kFewCandidates = 64;  // below, a cut is not looked for
-  static constexpr std::size_t kFewRanks = 32;       // put in order by insertion
+  static constexpr double kNearlyOne = 1.0 - 0x1p-50;  // more than rounding takes from a product
+  static constexpr std::size_t kFewCandidates = 64;    // below, a cut is not looked for
+  static constexpr std::size_t kFewRanks = 32;         // put in order by insertion
 
   using Position = Workspace::Position;
 
-  // What is done with strangers: nothing, or their last set is noted.
-  enum class Strangers { kLeaveOut, kNote };
-  void read(const History& history, Strangers strangers);
-  void addStranger(ItemId item, std::size_t set);
+  // Which items are kept: those with any of the marks, of what is known.
+  static bool isKept(std::uint32_t marked, std::uint32_t marks) noexcept {
+    return (marked & (marks | kStranger)) - 1U < kStranger - 1U;
+  }
+  void prepare(const History& history);
+  bool readLast(const History& history);
+  void readFirst(const History& history, std::size_t sets, std::uint32_t marks);
+  void readBeforeLast();
+  void keep(Position position, std::uint32_t set);
+  void noteStrangers(const History& history, std::size_t first);
 
-  std::uint32_t sets() const noexcept { return static_cast<std::uint32_t>(w_.ends_.size()); }
-  Position beginOf(std::uint32_t set) const noexcept { return set == 0 ? 0 : w_.ends_[set - 1]; }
-  // The latest occurrence at or before a position; 0: none.
+  // Where what stands before a set ends.
+  Position endBefore(std::uint32_t set) const noexcept {
+    return set == 0 ? 0 : w_.sets_[set - 1].end;
+  }
+  // The latest occurrence at or before a position of an item that climbs go by; 0: none.
   Position latest(ItemId item, Position bound) const noexcept {
     Position position = w_.last_[item];
     while (position > bound) {
@@ -56,6 +66,7 @@ class Query {
 
   template <bool kAgain>
   void search(std::uint32_t last);
+  bool isWhole(const Match& match, std::uint32_t last);
   // Whether the climb leads to anything that answers.
   bool leads(const Climb& climb) const noexcept { return (climb.marked & kind_) != 0; }
   template <bool kAgain>
@@ -77,13 +88,17 @@ class Query {
   Workspace& w_;
   const std::size_t maxCount_;
   const std::uint32_t kind_;
-  const bool hasJoins_;  // of the kind
+  const std::uint32_t climbing_;     // mark of the items that climbs of the kind go by
+  const std::uint32_t starting_;     // of those that alone propose in the kind's way, or lead to it
+  const bool hasJoins_;              // of the kind
+  const History* unread_ = nullptr;  // of which only the last known set was read
+  std::uint32_t lastSet_ = 0;        // this one
   const double customers_;
   double bar_;  // confidence below which a proposal cannot be an answer
-  // Not proposed are known items seen behind the position, and strangers in a set of this number,
-  // from 0, or a greater one.
-  Position excluded_ = 0;
-  std::uint32_t excludedSet_ = 0;
+  // Not proposed are known items seen behind the position, and strangers in a set of this number
+  // or a greater one.
+  Position excluded_ = std::numeric_limits<Position>::max();
+  std::uint32_t excludedSet_ = std::numeric_limits<std::uint32_t>::max();
   std::uint64_t steps_ = 0;
   std::size_t nextBar_;  // candidates at which the bar is looked for again
 };

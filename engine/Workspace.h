@@ -46,14 +46,18 @@ class ORBSEQ_EXPORT Workspace {
     Position previous;
     Position jump;
     std::uint32_t rank;  // among the item's occurrences, from 1
-    std::uint32_t set;   // of the known sets
+    std::uint32_t set;   // of the history, from 0
+  };
+  struct Set {
+    Position begin;  // of the first kept item, less 1
+    Position end;    // of the last kept item
+    Position known;  // items up to here, kept or not, that the lattice stores alone
   };
   // A sequence found, of so many items, whose first item set is matched to a set.
   struct Match {
     NodeId node;
     std::uint32_t place;
-    std::uint16_t size;   // at most 31
-    std::uint16_t isNew;  // whether it was not found before, in a later place
+    std::uint32_t size;  // at most 31
   };
   struct Visit {
     std::uint32_t query;  // in which the node was met last
@@ -70,17 +74,19 @@ class ORBSEQ_EXPORT Workspace {
   std::uint64_t budget_ = std::numeric_limits<std::uint64_t>::max();
 
   // [items] of the lattice; all as here between two queries.
-  std::vector<Position> last_;            // last occurrence of a known item; 0: none
+  std::vector<Position> last_;            // last occurrence of a kept item; 0: none
   std::vector<std::uint32_t> latest_;     // of a stranger: the last set, counted from 1; 0: none
   std::vector<std::uint32_t> candidate_;  // index in candidates_; kNone: none
   std::vector<ItemId> strangers_;         // items whose latest_ is set
 
-  // The history's known sets: those that hold items which the lattice stores alone, and these.
-  std::vector<ItemId> items_;            // [itemCount_ or more] set after set, ascending
-  std::vector<Occurrence> occurrences_;  // [itemCount_ + 1 or more] by position; the first is none
-  Position itemCount_ = 0;
-  std::vector<Position> ends_;          // one past each set's last item
-  std::vector<std::uint32_t> numbers_;  // of each set in the whole history
+  // What is kept of the history, at positions that ascend, with a gap before the last known set
+  // where it was read by itself.
+  std::vector<std::uint32_t> items_;     // [history's items] with their marks; position - 1
+  std::vector<Occurrence> occurrences_;  // [history's items + 1] of items that climbs go by
+  std::vector<Set> sets_;                // [history's sets]
+  Position kept_ = 0;                    // one past the last position but those of the last set
+  Position lastBegin_ = 0;               // where the last known set was read by itself
+  Position lastEnd_ = 0;
 
   std::vector<Match> matches_;  // to be worked on
   std::vector<Visit> visits_;   // [nodes] where the lattice has joins

@@ -36,7 +36,7 @@ std::uint32_t countedNodes(std::size_t count) {
   return static_cast<std::uint32_t>(count);
 }
 
-// Links with items by their own numbers, until all items are known.
+// Links with items by their own numbers until all items are known.
 struct RawClimb {
   std::int32_t item;
   NodeId node;  // at last with its marks
@@ -45,6 +45,9 @@ struct RawProposal {
   std::int32_t item;
   std::int32_t count;
 };
+
+// What `put` lays down as the links of an image, once their items have ids.
+static_assert(sizeof(RawClimb) == sizeof(Climb) && sizeof(RawProposal) == sizeof(Proposal));
 
 // An owned image.
 class Block final : public CompiledLattice::Storage {
@@ -94,7 +97,7 @@ class Compiler {
       for (const ISQCPair& entry : *singles) {
         if (entry.key->size() != 1) continue;
         const std::int32_t item = entry.key->items().front();
-        items_.push_back({item, kNone, entry.value == nullptr ? 0 : entry.value->getCount(), 1});
+        items_.push_back({item, kNone, entry.value == nullptr ? 0 : entry.value->getCount(), 0});
         if (entry.value != nullptr) level_.push_back(&entry);
       }
     std::sort(level_.begin(), level_.end(), [](const ISQCPair* a, const ISQCPair* b) {
@@ -273,9 +276,35 @@ class Compiler {
     for (const std::int32_t number : named) {
       while (single < singles_.size() && singles_[single].number < number) ++single;
       if (single == singles_.size() || singles_[single].number != number)
-        items_.push_back({number, kNone, 0, 0});
+        items_.push_back({number, kNone, 0, kStranger});
     }
     std::sort(items_.begin(), items_.end(), byNumber);
+    if (items_.size() > kMostItems)
+      throw std::length_error("a compiled lattice of more than 2^26 - 1 items");
+    for (RawClimb& climb : climbs_) climb.item = idOf(climb.item);
+    for (RawProposal& proposal : proposals_) proposal.item = idOf(proposal.item);
+    markItems();
+  }
+
+  // What a history's question needs each item for.
+  void markItems() {
+    const auto mark = [this](std::int32_t id, std::uint32_t marks) {
+      items_[static_cast<ItemId>(id)].marks |= marks;
+    };
+    for (const RawClimb& climb : climbs_) mark(climb.item, marksOfClimb(climb.node));
+    for (NodeId id = 0; id < sets_.size(); ++id)
+      for (std::uint32_t k = nodes_[id].opens; k < nodes_[id + 1].proposals; ++k)
+        mark(proposals_[k].item, kIsOpening);
+    for (Item& item : items_) {
+      if (item.node == kNone) continue;
+      const Node* const node = &nodes_[item.node];
+      std::uint32_t kinds = 0;
+      for (std::uint32_t k = node[0].climbs; k < node[1].climbs; ++k) kinds |= climbs_[k].node;
+      if (node[0].proposals < node[0].opens) kinds |= kJoining;
+      if (node[0].opens < node[1].proposals) kinds |= kOpening;
+      if ((kinds & kJoining) != 0) item.marks |= kStartsJoining;
+      if ((kinds & kOpening) != 0) item.marks |= kStartsOpening;
+    }
   }
 
   std::vector<ItemId> popularItems() const {
@@ -304,8 +333,8 @@ class Compiler {
   }
 
   // Requires an item that was gathered.
-  ItemId idOf(std::int32_t number) const noexcept {
-    return static_cast<ItemId>(findItem(items_, number) - items_.data());
+  std::int32_t idOf(std::int32_t number) const noexcept {
+    return static_cast<std::int32_t>(findItem(items_, number) - items_.data());
   }
 
   CompiledLattice image() {
@@ -333,17 +362,12 @@ class Compiler {
     put(layout.sets, sets_);
     put(layout.items, items_);
     put(layout.popular, popular);
-    auto* const climbs = reinterpret_cast<Climb*>(bytes + layout.climbs);
-    for (std::size_t k = 0; k < climbs_.size(); ++k)
-      climbs[k] = {idOf(climbs_[k].item), climbs_[k].node};
-    auto* const proposals = reinterpret_cast<Proposal*>(bytes + layout.proposals);
-    for (std::size_t k = 0; k < proposals_.size(); ++k)
-      proposals[k] = {idOf(proposals_[k].item), proposals_[k].count};
-    auto* const lookup = reinterpret_cast<ItemId*>(bytes + layout.lookup);
+    put(layout.climbs, climbs_);
+    put(layout.proposals, proposals_);
+    auto* const lookup = reinterpret_cast<std::uint32_t*>(bytes + layout.lookup);
     std::fill_n(lookup, header_.lookup, kNone);
     for (ItemId id = 0; header_.lookup > 0 && id < items_.size(); ++id)
-      lookup[std::int64_t{items_[id].number} - items_.front().number] =
-          id | (items_[id].isKnown != 0 ? 0 : kStranger);
+      lookup[std::int64_t{items_[id].number} - items_.front().number] = id | items_[id].marks;
     std::memcpy(bytes, &header_, sizeof header_);
     header_.checksum = checksumOf(block->bytes());
     std::memcpy(bytes, &header_, sizeof header_);

@@ -91,6 +91,14 @@ void checkClimbs(std::span<const Node> nodes, std::span<const Climb> climbs, con
   }
 }
 
+// An item is kept of a history as its marks tell.
+void checkMarks(std::span<const Climb> climbs, std::span<const Item> items, std::uint64_t offset) {
+  std::uint32_t missing = 0;
+  for (const Climb& climb : climbs)
+    missing |= marksOfClimb(climb.marked) & ~items[climb.item].marks;
+  if (missing != 0) refuse(offset, "the items do not tell of all climbs by them");
+}
+
 // A search of a kind without joins keeps no visits.
 void checkJoins(std::span<const Node> nodes, std::span<const Climb> climbs, const Header& header) {
   std::uint32_t kinds = 0;
@@ -103,16 +111,16 @@ void checkJoins(std::span<const Node> nodes, std::span<const Climb> climbs, cons
 void checkItems(std::span<const Item> items, const Header& header, std::uint64_t offset) {
   const std::uint32_t singles = header.levels[2];
   std::size_t strangers = 0;
-  for (const Item& item : items) strangers += item.isKnown == 0 ? 1 : 0;
-  if (header.items >= kStranger || (strangers > 0) != (header.hasStrangers == 1))
+  for (const Item& item : items) strangers += item.isKnown() ? 0 : 1;
+  if (header.items > kMostItems || (strangers > 0) != (header.hasStrangers == 1))
     refuse(offsetof(Header, hasStrangers), "the number of items is not what it should be");
   for (std::size_t i = 0; i < items.size(); ++i)
-    if ((i > 0 && items[i].number <= items[i - 1].number) || items[i].isKnown > 1 ||
-        (items[i].node != kNone && (items[i].node >= singles || items[i].isKnown == 0)))
+    if ((i > 0 && items[i].number <= items[i - 1].number) || (items[i].marks & kMostItems) != 0 ||
+        (items[i].node != kNone && (items[i].node >= singles || !items[i].isKnown())))
       refuse(offset + i * sizeof(Item), "item " + std::to_string(i) + " is no item");
 }
 
-void checkLookup(std::span<const ItemId> lookup, std::span<const Item> items,
+void checkLookup(std::span<const std::uint32_t> lookup, std::span<const Item> items,
                  std::uint64_t offset) {
   if (lookup.empty()) return;
   std::size_t item = 0;
@@ -121,10 +129,9 @@ void checkLookup(std::span<const ItemId> lookup, std::span<const Item> items,
         item < items.size() && static_cast<std::uint32_t>(items[item].number) -
                                        static_cast<std::uint32_t>(items[0].number) ==
                                    i;
-    const ItemId wanted =
-        isItem ? static_cast<ItemId>(item) | (items[item].isKnown != 0 ? 0 : kStranger) : kNone;
+    const std::uint32_t wanted = isItem ? static_cast<ItemId>(item) | items[item].marks : kNone;
     if (lookup[i] != wanted)
-      refuse(offset + i * sizeof(ItemId), "the look-up of items does not fit them");
+      refuse(offset + i * sizeof(std::uint32_t), "the look-up of items does not fit them");
     item += isItem ? 1 : 0;
   }
   if (item != items.size()) refuse(offset, "the look-up of items lacks some");
@@ -172,7 +179,8 @@ CompiledLattice readCompiledForm(std::unique_ptr<const CompiledLattice::Storage>
   if (!areBelow(sectionOf<ItemId>(image, layout.popular, header.popular), header.items,
                 [](ItemId item) { return item; }))
     refuse(layout.popular, "a popular item is none");
-  checkLookup(sectionOf<ItemId>(image, layout.lookup, header.lookup), items, layout.lookup);
+  checkMarks(climbs, items, layout.items);
+  checkLookup(sectionOf<std::uint32_t>(image, layout.lookup, header.lookup), items, layout.lookup);
   return CompiledLattice(std::move(storage));
 }
 

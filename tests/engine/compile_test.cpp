@@ -26,9 +26,15 @@ using orbseq::engine::Climb;
 using orbseq::engine::compile;
 using orbseq::engine::CompiledLattice;
 using orbseq::engine::ItemId;
+using orbseq::engine::kClimbsToJoining;
+using orbseq::engine::kClimbsToOpening;
+using orbseq::engine::kIsOpening;
 using orbseq::engine::kJoining;
+using orbseq::engine::kMostItems;
 using orbseq::engine::kNone;
 using orbseq::engine::kOpening;
+using orbseq::engine::kStartsJoining;
+using orbseq::engine::kStartsOpening;
 using orbseq::engine::kStranger;
 using orbseq::engine::Node;
 using orbseq::engine::NodeId;
@@ -38,6 +44,16 @@ using Texts = std::vector<std::string>;
 
 constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t kGreatest = std::numeric_limits<std::int32_t>::max();
+
+// The item of that number, with kStranger where it is not stored alone, and without other marks.
+std::uint32_t found(const CompiledLattice& lattice, std::int32_t number) {
+  return lattice.find(number) & (kStranger | kMostItems);
+}
+
+// The marks of the item of that number.
+std::uint32_t marksOf(const CompiledLattice& lattice, std::int32_t number) {
+  return lattice.find(number) & ~kMostItems;
+}
 
 std::string climbsText(const CompiledLattice& lattice, std::uint32_t begin, std::uint32_t end) {
   std::string text;
@@ -288,23 +304,53 @@ TEST(Compile, AStrangerIsFoundAsOneAndAnItemWithoutCounterIsNone) {
 
   EXPECT_TRUE(lattice.hasStrangers());
   EXPECT_EQ(lattice.itemCount(), 3U);
-  EXPECT_EQ(lattice.find(1), 0U);
-  EXPECT_EQ(lattice.find(3), 1U);
-  EXPECT_EQ(lattice.find(5), 2U + kStranger);
+  EXPECT_EQ(found(lattice, 1), 0U);
+  EXPECT_EQ(found(lattice, 3), 1U);
+  EXPECT_EQ(found(lattice, 5), 2U + kStranger);
   EXPECT_EQ(lattice.item(0).node, 0U);
   EXPECT_EQ(lattice.item(0).count, 8);
   EXPECT_EQ(lattice.item(1).node, kNone);
-  EXPECT_EQ(lattice.item(1).isKnown, 1U);
+  EXPECT_TRUE(lattice.item(1).isKnown());
   EXPECT_EQ(lattice.item(2).node, kNone);
-  EXPECT_EQ(lattice.item(2).isKnown, 0U);
+  EXPECT_FALSE(lattice.item(2).isKnown());
   EXPECT_EQ(popularOf(lattice), Items{1});
+}
+
+TEST(Compile, ItemsAreMarkedByWhatQuestionsNeedThemFor) {
+  // (2)(3) proposes 4 to open, and is climbed to by 2, from 3; (1) is joined by 5.
+  const CompiledLattice lattice = compiled({{"", 9},
+                                            {"(1)", 8},
+                                            {"(2)", 8},
+                                            {"(3)", 8},
+                                            {"(4)", 8},
+                                            {"(5)", 8},
+                                            {"(6)", 8},
+                                            {"(1 5)", 3},
+                                            {"(2)(3)", 4},
+                                            {"(2)(3)(4)", 2}});
+
+  EXPECT_EQ(marksOf(lattice, 1), kStartsJoining);
+  EXPECT_EQ(marksOf(lattice, 2), kClimbsToOpening | kStartsOpening);  // 3 follows it
+  EXPECT_EQ(marksOf(lattice, 3), kStartsOpening | kIsOpening);
+  EXPECT_EQ(marksOf(lattice, 4), kIsOpening);
+  EXPECT_EQ(marksOf(lattice, 5), kStartsJoining);
+  EXPECT_EQ(marksOf(lattice, 6), 0U);
+}
+
+TEST(Compile, AnItemByWhichClimbsGoToWhatJoinsIsMarkedSo) {
+  // 3 climbs to (2)(3), which 4 joins.
+  const CompiledLattice lattice =
+      compiled({{"", 9}, {"(2)", 8}, {"(3)", 8}, {"(4)", 8}, {"(2)(3)", 4}, {"(2)(3 4)", 2}});
+
+  EXPECT_EQ(marksOf(lattice, 2) & (kClimbsToJoining | kClimbsToOpening), kClimbsToJoining);
+  EXPECT_EQ(marksOf(lattice, 3) & (kClimbsToJoining | kStartsJoining), kStartsJoining);
 }
 
 TEST(Compile, AStrangerIsFoundWithoutTheLookUpToo) {
   const CompiledLattice lattice = compiled({{"", 9}, {"(1)", 8}, {"(1)(2000000000)", 4}});
 
   EXPECT_EQ(sectionsOf(lattice)["lookup"], 0U);
-  EXPECT_EQ(lattice.find(2'000'000'000), 1U + kStranger);
+  EXPECT_EQ(found(lattice, 2'000'000'000), 1U + kStranger);
   EXPECT_EQ(lattice.find(1'999'999'999), kNone);
 }
 
@@ -317,9 +363,9 @@ TEST(Compile, ItemsSideBySideAreLookedUp) {
   const CompiledLattice lattice = ofItems({-3, -1, 2});
 
   EXPECT_EQ(sectionsOf(lattice)["lookup"], 6 * sizeof(ItemId));
-  EXPECT_EQ(lattice.find(-3), 0U);
-  EXPECT_EQ(lattice.find(-1), 1U);
-  EXPECT_EQ(lattice.find(2), 2U);
+  EXPECT_EQ(found(lattice, -3), 0U);
+  EXPECT_EQ(found(lattice, -1), 1U);
+  EXPECT_EQ(found(lattice, 2), 2U);
   for (const std::int32_t other : {kLeast, -4, -2, 0, 1, 3, kGreatest})
     EXPECT_EQ(lattice.find(other), kNone) << other;
 }
@@ -328,11 +374,11 @@ TEST(Compile, ItemsFarApartAreSearched) {
   const CompiledLattice lattice = ofItems({kLeast, -7, 0, 12, kGreatest});
 
   EXPECT_EQ(sectionsOf(lattice)["lookup"], 0U);
-  EXPECT_EQ(lattice.find(kLeast), 0U);
-  EXPECT_EQ(lattice.find(-7), 1U);
-  EXPECT_EQ(lattice.find(0), 2U);
-  EXPECT_EQ(lattice.find(12), 3U);
-  EXPECT_EQ(lattice.find(kGreatest), 4U);
+  EXPECT_EQ(found(lattice, kLeast), 0U);
+  EXPECT_EQ(found(lattice, -7), 1U);
+  EXPECT_EQ(found(lattice, 0), 2U);
+  EXPECT_EQ(found(lattice, 12), 3U);
+  EXPECT_EQ(found(lattice, kGreatest), 4U);
   for (const std::int32_t other : {kLeast + 1, -8, -6, 1, 13, kGreatest - 1})
     EXPECT_EQ(lattice.find(other), kNone) << other;
 }
@@ -342,11 +388,11 @@ TEST(Compile, TheLookUpWorksAtBothEndsOfTheNumbers) {
   const CompiledLattice high = ofItems({kGreatest - 2, kGreatest});
 
   EXPECT_EQ(sectionsOf(low)["lookup"], 3 * sizeof(ItemId));
-  EXPECT_EQ(low.find(kLeast), 0U);
+  EXPECT_EQ(found(low, kLeast), 0U);
   EXPECT_EQ(low.find(kLeast + 1), kNone);
-  EXPECT_EQ(low.find(kLeast + 2), 1U);
+  EXPECT_EQ(found(low, kLeast + 2), 1U);
   EXPECT_EQ(low.find(kGreatest), kNone);
-  EXPECT_EQ(high.find(kGreatest), 1U);
+  EXPECT_EQ(found(high, kGreatest), 1U);
   EXPECT_EQ(high.find(kGreatest - 1), kNone);
   EXPECT_EQ(high.find(kLeast), kNone);
 }
@@ -354,7 +400,7 @@ TEST(Compile, TheLookUpWorksAtBothEndsOfTheNumbers) {
 TEST(Compile, TheLookUpEndsAtItsLimit) {
   EXPECT_EQ(sectionsOf(ofItems({0, 65535}))["lookup"], 65536 * sizeof(ItemId));
   EXPECT_EQ(sectionsOf(ofItems({0, 65536}))["lookup"], 0U);
-  EXPECT_EQ(ofItems({0, 65536}).find(65536), 1U);
+  EXPECT_EQ(found(ofItems({0, 65536}), 65536), 1U);
 }
 
 TEST(Compile, AnEmptyDictionaryHasNothingAndAnswersNothing) {

@@ -205,7 +205,7 @@ TEST(CompiledForm, TheHeadersFieldsAreTold) {
 
   EXPECT_EQ(refusalOf(changed(bytes, 0, std::uint64_t{1})), "offset 0x0: this is no compiled form");
   EXPECT_EQ(refusalOf(changed(bytes, offsetof(Header, version), std::uint32_t{7})),
-            "offset 0x8: the compiled form has version 7; this build reads 1");
+            "offset 0x8: the compiled form has version 7; this build reads 2");
   EXPECT_EQ(refusalOf(changed(bytes, offsetof(Header, byteOrder), std::uint32_t{0x04030201})),
             "offset 0xC: the compiled form is of another byte order");
   EXPECT_EQ(refusalOf(changed(bytes, offsetof(Header, bytes), std::uint64_t{5})),
@@ -234,8 +234,13 @@ TEST(CompiledForm, WrongPartsAreRefusedWhereTheyStand) {
   EXPECT_THAT(refusal(layout.proposals, 3), HasSubstr("a proposal names no item"));
   EXPECT_THAT(refusal(layout.items, 2), HasSubstr("item 1 is no item"));  // two items 2
   EXPECT_THAT(refusal(layout.items + offsetof(Item, node), 2), HasSubstr("item 0 is no item"));
-  EXPECT_THAT(refusal(layout.items + offsetof(Item, isKnown), 2), HasSubstr("item 0 is no item"));
-  EXPECT_THAT(refusal(layout.items + offsetof(Item, isKnown), 0), HasSubstr("item 0 is no item"));
+  EXPECT_THAT(refusal(layout.items + offsetof(Item, marks), 1), HasSubstr("item 0 is no item"));
+  EXPECT_THAT(refusal(layout.items + offsetof(Item, marks), kMostItems),
+              HasSubstr("item 0 is no item"));
+  EXPECT_THAT(refusal(layout.items + offsetof(Item, marks), kStranger),
+              HasSubstr("item 0 is no item"));
+  EXPECT_THAT(refusal(layout.items + offsetof(Item, marks), 0),
+              HasSubstr("do not tell of all climbs"));
   EXPECT_THAT(refusal(layout.popular, 3), HasSubstr("a popular item is none"));
   EXPECT_THAT(refusal(layout.lookup, 1), HasSubstr("look-up of items does not fit"));
   EXPECT_THAT(refusal(layout.lookup + 2 * sizeof(ItemId), 0),
