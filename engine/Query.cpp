@@ -25,7 +25,7 @@ Query::Query(const CompiledLattice& lattice, Workspace& workspace, std::int32_t 
       hasJoins_(lattice.hasJoins(kind)),
       customers_(lattice.customers()),
       bar_(-std::numeric_limits<double>::infinity()),
-      nextBar_(std::max(kFewCandidates, 4 * std::min(maxCount_, lattice.itemCount()))) {
+      nextBar_(std::max(kFewCandidates, 2 * std::min(maxCount_, lattice.itemCount()))) {
   w_.fit(lattice);
 }
 

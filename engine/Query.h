@@ -34,7 +34,7 @@ class Query {
   using Match = Workspace::Match;
   using Candidate = Workspace::Candidate;
   static constexpr double kNearlyOne = 1.0 - 0x1p-50;  // more than rounding takes from a product
-  static constexpr std::size_t kFewCandidates = 64;    // below, a cut is not looked for
+  static constexpr std::size_t kFewCandidates = 40;    // below, a cut is not looked for
   static constexpr std::size_t kFewRanks = 32;         // put in order by insertion
 
   using Position = Workspace::Position;

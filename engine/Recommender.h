@@ -24,7 +24,9 @@
 // where it was.
 //
 // Cost. Linear in the history and in the links of the sequences found; where a sequence has many
-// more links than the history has different items, these are looked up in the links instead.
+// more links than the history has different items, these are looked up in the links instead. What
+// is before the last known set is read when something climbs there, and only items that climbs go
+// by are kept of it; beginnings keep what starts a search, too, or is proposed.
 //
 // Threads: any number may query one recommender, each with a workspace of its own.
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <numeric>
 #include <stdexcept>
 #include <unordered_map>
 
@@ -82,6 +83,7 @@ class Compiler {
     nodes_.push_back({0, counted(climbs_.size()), counted(climbs_.size()),
                       counted(proposals_.size()), counted(proposals_.size())});
     finishClimbs();
+    sortOut();
     return image();
   }
 
@@ -248,6 +250,53 @@ class Compiler {
     for (std::uint32_t k = begin; k < end; ++k)
       if (const std::uint32_t leadsTo = kinds[climbs_[k].node]; leadsTo != 0)
         climbs_[kept++] = {climbs_[k].item, climbs_[k].node | leadsTo};
+  }
+
+  // What has climbs or proposals goes before what has none, level by level: a search touches the
+  // former alone, and finds them closer together.
+  void sortOut() {
+    const NodeId count = counted(sets_.size());
+    std::vector<NodeId> order(count);  // former numbers
+    std::iota(order.begin(), order.end(), 0U);
+    for (std::size_t size = 1; size < Header::kLevels; ++size)
+      std::stable_partition(order.begin() + header_.levels[size],
+                            order.begin() + header_.levels[size + 1], [this](NodeId id) {
+                              return nodes_[id].climbs < nodes_[id + 1].climbs ||
+                                     nodes_[id].proposals < nodes_[id + 1].proposals;
+                            });
+    std::vector<NodeId> renumbered(count);
+    for (NodeId id = 0; id < count; ++id) renumbered[order[id]] = id;
+
+    std::vector<Node> nodes;
+    std::vector<std::uint8_t> sets;
+    std::vector<RawClimb> climbs;
+    std::vector<RawProposal> proposals;
+    nodes.reserve(nodes_.size());
+    sets.reserve(sets_.size());
+    climbs.reserve(climbs_.size());
+    proposals.reserve(proposals_.size());
+    for (const NodeId id : order) {
+      const Node& node = nodes_[id];
+      const Node& next = nodes_[id + 1];
+      const std::uint32_t climb = counted(climbs.size());
+      const std::uint32_t proposal = counted(proposals.size());
+      nodes.push_back({node.count, climb, climb + (node.joins - node.climbs), proposal,
+                       proposal + (node.opens - node.proposals)});
+      sets.push_back(sets_[id]);
+      for (std::uint32_t k = node.climbs; k < next.climbs; ++k)
+        climbs.push_back({climbs_[k].item, renumbered[climbs_[k].node & kMostNodes] |
+                                               (climbs_[k].node & ~kMostNodes)});
+      proposals.insert(proposals.end(), proposals_.begin() + node.proposals,
+                       proposals_.begin() + next.proposals);
+    }
+    nodes.push_back(nodes_.back());
+    nodes_.swap(nodes);
+    sets_.swap(sets);
+    climbs_.swap(climbs);
+    proposals_.swap(proposals);
+    for (std::vector<Item>* items : {&items_, &singles_})
+      for (Item& item : *items)
+        if (item.node != kNone) item.node = renumbered[item.node];
   }
 
   void markGrowth() {
