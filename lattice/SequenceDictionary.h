@@ -136,8 +136,8 @@ class ORBSEQ_EXPORT SequenceDictionary : public SequenceSemiLattice {
   std::int32_t reduceAllWithCount(double threshold);
   std::int32_t reduceAll(double threshold);
 
-  // Settles every bound: what entered up to `ordinal` gets its max missed added to its count (up to
-  // the largest 32-bit count), what entered later is removed. Always OK.
+  // Settles every bound: what entered up to `ordinal` gets its max missed added to its count (which
+  // stays within 32 bits), what entered later is removed. Always OK.
   OrbStatus dropAfter(int ordinal);
 
   // Removes everything and stores the empty sequence anew, with count 0. Throws DictionaryFailure.

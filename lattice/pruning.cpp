@@ -20,8 +20,9 @@ namespace SEQUENCE_NAMESPACE_800 {
 namespace {
 
 std::int32_t saturatedSum(std::int32_t a, std::int32_t b) noexcept {
-  constexpr std::int64_t kMost = std::numeric_limits<std::int32_t>::max();
-  return static_cast<std::int32_t>(std::min(std::int64_t{a} + b, kMost));
+  using Range = std::numeric_limits<std::int32_t>;
+  return static_cast<std::int32_t>(
+      std::clamp<std::int64_t>(std::int64_t{a} + b, Range::min(), Range::max()));
 }
 
 std::int64_t countOf(const SequenceCounter& counter) noexcept { return counter.getCount(); }

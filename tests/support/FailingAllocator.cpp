@@ -1,5 +1,7 @@
 #include "tests/support/FailingAllocator.h"
 
+#include <malloc.h>
+
 #include <atomic>
 #include <cstddef>
 #include <cstdlib>
@@ -10,25 +12,41 @@ namespace orbseq::test {
 namespace {
 
 std::atomic<long> living{0};
-thread_local long untilFailure = 0;  // 0: none is asked for, or it has happened
+std::atomic<std::size_t> bytes{0};
+std::atomic<std::size_t> peak{0};
+std::atomic<std::size_t> largest{0};
+thread_local long untilFailure = 0;  // 0: none is asked for, or it has happened once
+thread_local bool forEver = false;
 thread_local bool failed = false;
 
 bool mustFail() noexcept {
   if (untilFailure == 0 || --untilFailure > 0) return false;
+  if (forEver) untilFailure = 1;
   failed = true;
   return true;
 }
 
+void raise(std::atomic<std::size_t>& highest, std::size_t value) noexcept {
+  std::size_t seen = highest.load(std::memory_order_relaxed);
+  while (seen < value && !highest.compare_exchange_weak(seen, value, std::memory_order_relaxed)) {
+  }
+}
+
 void* counted(void* block) noexcept {
-  if (block != nullptr) living.fetch_add(1, std::memory_order_relaxed);
+  if (block == nullptr) return nullptr;
+  living.fetch_add(1, std::memory_order_relaxed);
+  const std::size_t size = ::malloc_usable_size(block);
+  raise(peak, bytes.fetch_add(size, std::memory_order_relaxed) + size);
   return block;
 }
 
 void* allocate(std::size_t size) noexcept {
+  raise(largest, size);
   return mustFail() ? nullptr : counted(std::malloc(size == 0 ? 1 : size));
 }
 
 void* allocate(std::size_t size, std::align_val_t alignment) noexcept {
+  raise(largest, size);
   const auto step = static_cast<std::size_t>(alignment);
   const std::size_t whole = (size + step - 1) / step * step;
   return mustFail() ? nullptr : counted(std::aligned_alloc(step, whole == 0 ? step : whole));
@@ -40,7 +58,9 @@ void* orThrow(void* block) {
 }
 
 void release(void* block) noexcept {
-  if (block != nullptr) living.fetch_sub(1, std::memory_order_relaxed);
+  if (block == nullptr) return;
+  living.fetch_sub(1, std::memory_order_relaxed);
+  bytes.fetch_sub(::malloc_usable_size(block), std::memory_order_relaxed);
   std::free(block);
 }
 
@@ -48,8 +68,20 @@ void release(void* block) noexcept {
 
 long livingBlocks() noexcept { return living.load(std::memory_order_relaxed); }
 
-FailAllocation::FailAllocation(long n) noexcept {
+std::size_t livingBytes() noexcept { return bytes.load(std::memory_order_relaxed); }
+
+std::size_t peakBytes() noexcept { return peak.load(std::memory_order_relaxed); }
+
+std::size_t largestBlock() noexcept { return largest.load(std::memory_order_relaxed); }
+
+void resetPeaks() noexcept {
+  peak.store(livingBytes(), std::memory_order_relaxed);
+  largest.store(0, std::memory_order_relaxed);
+}
+
+FailAllocation::FailAllocation(long n, Failing failing) noexcept {
   failed = false;
+  forEver = failing == Failing::kForEver;
   untilFailure = n;
 }
 

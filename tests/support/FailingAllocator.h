@@ -1,25 +1,37 @@
 // Replaces the program's operator new and delete: counts what is allocated, and makes one chosen
-// allocation fail.
+// allocation, or all from it on, fail.
 //
 // Linking orbseq_test_allocator into a test program does the replacement. Memory comes from malloc,
 // so that sanitizers see every block.
 //
-// Threads: a FailAllocation concerns the allocations of the thread that made it; the count of
-// living blocks is the whole program's.
+// Threads: a FailAllocation concerns the allocations of the thread that made it; the counts are the
+// whole program's.
 
 #ifndef TESTS_SUPPORT_FAILINGALLOCATOR_H_
 #define TESTS_SUPPORT_FAILINGALLOCATOR_H_
+
+#include <cstddef>
 
 namespace orbseq::test {
 
 // Blocks that operator new gave out and operator delete has not seen yet.
 long livingBlocks() noexcept;
 
+// Their bytes, as the C library rounds them up.
+std::size_t livingBytes() noexcept;
+
+// Since the latest resetPeaks(), or the program's start.
+std::size_t peakBytes() noexcept;     // the most bytes alive at once, those before it included
+std::size_t largestBlock() noexcept;  // the most bytes asked for at once, granted or not
+void resetPeaks() noexcept;
+
+enum class Failing { kOnce, kForEver };
+
 // While it lives, the n-th allocation from its construction on throws std::bad_alloc, n = 1, 2 ..;
-// the others succeed. At most one lives in a thread.
+// the others succeed, or, for ever, those before it. At most one lives in a thread.
 class FailAllocation {
  public:
-  explicit FailAllocation(long n) noexcept;
+  explicit FailAllocation(long n, Failing failing = Failing::kOnce) noexcept;
   ~FailAllocation();
   FailAllocation(const FailAllocation&) = delete;
   FailAllocation& operator=(const FailAllocation&) = delete;
