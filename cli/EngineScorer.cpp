@@ -1,6 +1,7 @@
 #include "cli/EngineScorer.h"
 
 #include "engine/caseText.h"
+#include "io/IoError.h"
 
 namespace orbseq {
 
@@ -8,12 +9,25 @@ EngineScorer::EngineScorer(const engine::CompiledLattice& lattice, const ScoreOp
     : recommender_(lattice),
       futureItems_(options.returnType == "future"),
       maxReturn_(options.maxReturn),
-      wholeOnly_(!options.allPrefixes) {}
+      wholeOnly_(!options.allPrefixes),
+      limits_(limitsOf(options.cases)) {
+  scratch_.workspace.setStepBudget(limits_.steps);
+}
 
-Answers EngineScorer::score(const std::string&, const CustomerHistory& history) {
+Answers EngineScorer::score(const std::string& file, const CustomerHistory& history) {
+  try {
+    return score(history.history);
+  } catch (const engine::CaseLimitPassed& error) {
+    throw InputError(file, history.row, error.what());
+  } catch (const engine::StepBudgetSpent& error) {
+    throw InputError(file, history.row, error.what());
+  }
+}
+
+Answers EngineScorer::score(const std::string& text) {
   scratch_.history.clear();
   scratch_.answers.clear();
-  engine::appendCaseText(history.history, scratch_.history);
+  engine::appendCaseText(text, limits_, scratch_.history);
   if (futureItems_)
     recommender_.futureItems(scratch_.history, maxReturn_, wholeOnly_, scratch_.workspace,
                              scratch_.answers);

@@ -1,8 +1,11 @@
 #include "cli/ModelOptions.h"
 
 #include <CLI/CLI.hpp>
+#include <cstdint>
+#include <limits>
 
 #include "cli/exitStatus.h"
+#include "common/Limits.h"
 #include "io/ModelFile.h"
 #include "io/process.h"
 
@@ -26,6 +29,12 @@ void addModelOptions(CLI::App& command, ModelOptions& options, bool isRequired) 
       ->check(CLI::Range(std::size_t{1}, std::size_t{1} << 40U).description(""))
       ->type_name("N")
       ->capture_default_str();
+  command
+      .add_option_function<std::int32_t>(
+          "--max-chain", setMostInChain,
+          "Most sequences of a model's level that may share a bucket (default: 1000)")
+      ->check(CLI::Range(std::int32_t{1}, std::numeric_limits<std::int32_t>::max()).description(""))
+      ->type_name("N");
 }
 
 void addFormOption(CLI::App& command, std::string& to) {

@@ -10,6 +10,7 @@
 #include "cli/explain.h"
 #include "cli/generate.h"
 #include "cli/inspect.h"
+#include "cli/limits.h"
 #include "cli/rules.h"
 #include "cli/score.h"
 #include "cli/train.h"
@@ -32,12 +33,20 @@ void print(const std::string& text) {
   output.finish();
 }
 
-// Reads the command line; answers false when it only asked for help or the version, which are
-// printed then.
+// --limits, without a command.
+struct CallForLimits : CLI::Success {
+  CallForLimits() : CLI::Success("CallForLimits", "", CLI::ExitCodes::Success) {}
+};
+
+// Reads the command line; answers false when it only asked for help, the version or the limits,
+// which are printed then.
 bool parse(CLI::App& program, int argc, const char* const* argv) {
   try {
     program.parse(argc, argv);
     return true;
+  } catch (const CallForLimits&) {
+    print(limitsText());
+    return false;
   } catch (const CLI::CallForVersion&) {
     print(std::string(kVersion) + "\n");
     return false;
@@ -64,6 +73,8 @@ ExitStatus run(int argc, const char* const* argv) {
       "orbseq");
   program.set_version_flag("--version", kVersion, "Print the version and exit");
   program.set_help_flag("-h,--help", "Print this help and exit");
+  program.add_flag_callback(
+      "--limits", [] { throw CallForLimits(); }, "Print all limits and exit");
   program.require_subcommand(1);
   program.footer(kFooter);
 

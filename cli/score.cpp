@@ -76,6 +76,7 @@ void addAnswerOptions(CLI::App& command, ScoreOptions& options) {
       ->capture_default_str();
   command.add_flag("--all-prefixes", options.allPrefixes,
                    "With --return future: match shorter beginnings of the history as well");
+  addCaseLimitOptions(command, options.cases);
   addOutputOptions(command, options.output, {"table", "csv", "jsonl", "none"}, "answers");
   command.add_option("--threads", options.threads, "Threads that score; 0: all cores")
       ->check(CLI::Range(0, 1024).description(""))
@@ -223,6 +224,9 @@ CLI::App* addScoreCommand(CLI::App& program, ScoreOptions& options) {
 ExitStatus runScore(const ScoreOptions& options) {
   if (options.model.model == "-" && options.log.path == "-")
     throw UsageError("--model and --input cannot both be standard input");
+  if (!options.module.empty() && isLimited(options.cases))
+    throw UsageError(
+        "--module: a plug-in searches without limits; leave out --limits and --max-case-...");
   LogOptions logOptions = logOptionsOf(options.log);
   const ScoringModel loaded = loadModel(options);
   const ItemNames names(loaded.labels);

@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "common/Limits.h"
 #include "document/DomPlace.h"
 #include "scoring/hostapi/BaseTranslator.h"
 #include "scoring/hostapi/DictVar.h"
@@ -198,9 +199,8 @@ void Reader::readSequence(const DomPlace& sequence, HashtableSQPair& table) cons
   counter->setCount(sequence.integer(u"occurrence", 0));
   auto key = std::make_unique<NTSequence>(sets, 0);
   readAdjacency(DomPlace(sequence, "SeqAdjacentList", 1, listElement), *key, *counter);
-  if (table.chainLength(key.get(), HashtableSQPair::kMostInChain) == HashtableSQPair::kMostInChain)
-    sequence.refuse("more than " + std::to_string(HashtableSQPair::kMostInChain) +
-                    " sequences of the level share a bucket");
+  if (const std::int32_t most = mostInChain(); table.chainLength(key.get(), most) == most)
+    sequence.refuse("more than " + std::to_string(most) + " sequences of the level share a bucket");
   if (!table.put(key.get(), counter.get())) return;  // an equal one stands; these two are freed
   static_cast<void>(key.release());
   static_cast<void>(counter.release());

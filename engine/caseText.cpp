@@ -1,5 +1,6 @@
 #include "engine/caseText.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace orbseq::engine {
@@ -26,13 +27,30 @@ const char* appendSet(const char* at, const char* end, History& history) {
   return at;
 }
 
+void check(std::size_t count, std::size_t limit, const char* what) {
+  if (count > limit)
+    throw CaseLimitPassed("the history has more than " + std::to_string(limit) + " " + what +
+                          ", the limit");
+}
+
 }  // namespace
 
+CaseLimitPassed::CaseLimitPassed(const std::string& text) : std::runtime_error(text) {}
+
+CaseLimitPassed::~CaseLimitPassed() = default;
+
 void appendCaseText(std::string_view text, History& history) {
+  appendCaseText(text, CaseLimits(), history);
+}
+
+void appendCaseText(std::string_view text, const CaseLimits& limits, History& history) {
+  check(text.size(), limits.textBytes, "bytes");
   const char* const end = text.data() + text.size();
   for (const char* at = text.data(); at != end; ++at)
     if (*at == '(') {
       at = appendSet(at + 1, end, history);
+      check(history.sets(), limits.sets, "item sets");
+      check(history.items(), limits.items, "items");
       if (at == end) return;
     }
 }

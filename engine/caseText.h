@@ -13,8 +13,11 @@
 #ifndef ENGINE_CASETEXT_H_
 #define ENGINE_CASETEXT_H_
 
+#include <stdexcept>
+#include <string>
 #include <string_view>
 
+#include "common/Limits.h"
 #include "common/OrbExport.h"
 #include "engine/History.h"
 
@@ -23,6 +26,18 @@ namespace orbseq::engine {
 // Appends the item sets of the text. Cost: linear in the text, but for sorting sets whose items do
 // not ascend. Throws only what the allocator throws.
 ORBSEQ_EXPORT void appendCaseText(std::string_view text, History& history);
+
+// A case holds more than it may; tells the limit.
+class ORBSEQ_EXPORT CaseLimitPassed : public std::runtime_error {
+ public:
+  explicit CaseLimitPassed(const std::string& text);
+  ~CaseLimitPassed() override;
+};
+
+// Likewise, within the limits of bytes, sets and items, which count what the history holds. Throws
+// CaseLimitPassed as soon as there is more, and then the history holds what was read so far.
+ORBSEQ_EXPORT void appendCaseText(std::string_view text, const CaseLimits& limits,
+                                  History& history);
 
 }  // namespace orbseq::engine
 

@@ -26,7 +26,7 @@
 #include <string_view>
 #include <vector>
 
-#include "io/CsvLimits.h"
+#include "common/Limits.h"
 
 namespace orbseq {
 

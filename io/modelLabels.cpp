@@ -6,8 +6,8 @@
 #include <string_view>
 #include <system_error>
 
+#include "common/Limits.h"
 #include "io/AtomicFile.h"
-#include "io/CsvLimits.h"
 #include "io/CsvReader.h"
 #include "io/IoError.h"
 #include "io/csvField.h"

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <iosfwd>
 
+#include "common/Limits.h"
 #include "common/OrbExport.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
@@ -35,8 +36,9 @@ struct ORBSEQ_EXPORT SeqDictionarySettings {
   }
 
   // What stored settings may ask for. Never clamped, since the sizes fix the order.
-  static constexpr std::int32_t kMaxStoredLevels = 64;
-  static constexpr std::int32_t kMaxStoredBuckets = 1 << 22;  // of all levels together
+  static constexpr std::int32_t kMaxStoredLevels = orbseq::LatticeLimits::kLevels;
+  static constexpr std::int32_t kMaxStoredBuckets =  // of all levels together
+      orbseq::LatticeLimits::kBuckets;
 
   // Stored forms: binary, and objects in lines of XML (xml/XMLObj.h). Each answers its promised
   // count. Sizes below 1 and whatever is beyond the limits are refused: the readers print their

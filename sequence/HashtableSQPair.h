@@ -102,9 +102,7 @@ class ORBSEQ_EXPORT HashtableSQPair {
   void getAll(std::span<const NTSequence> keys, const ISQCPair** found) const noexcept;
 
   // Entries in the chain where the key is or would be, counted up to `enough`. Readers of what
-  // comes from outside refuse chains of more than kMostInChain: keys can be made to share one, and
-  // every insertion walks it.
-  static constexpr std::int32_t kMostInChain = 1000;
+  // comes from outside refuse chains of more than mostInChain() (common/Limits.h).
   std::int32_t chainLength(const NTSequence* key, std::int32_t enough) const noexcept;
 
   // Destroys the entry of an equal key, if any; `key` may be the stored key itself.

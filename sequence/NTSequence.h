@@ -25,6 +25,7 @@
 #include <memory>
 #include <span>
 
+#include "common/Limits.h"
 #include "common/OrbExport.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
@@ -44,7 +45,7 @@ struct PackedSequence {
 
 class ORBSEQ_EXPORT NTSequence {
  public:
-  static constexpr std::int32_t kMaxItems = 32;
+  static constexpr std::int32_t kMaxItems = orbseq::LatticeLimits::kItemsInSequence;
 
   NTSequence();  // empty, with room for kMaxItems items
   // One set: itemsWithCount[0] is the number of items, the items follow and are kept as given.

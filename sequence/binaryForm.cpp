@@ -15,6 +15,7 @@
 #include <string_view>
 #include <utility>
 
+#include "common/Limits.h"
 #include "sequence/BinaryReader.h"
 #include "sequence/HashtableSQPair.h"
 #include "sequence/NTSequence.h"
@@ -238,9 +239,9 @@ std::uint64_t HashtableSQPair::readObject(BinaryReader& reader) {
     total += counter->readObject(reader);
     if (!fits(*key, *counter))
       reader.refuse("adjacent position", "names no extension of the sequence");
-    if (chainLength(key.get(), kMostInChain) == kMostInChain)
-      reader.refuse("items", "more than " + std::to_string(kMostInChain) +
-                                 " sequences of the level share a bucket");
+    if (const std::int32_t most = orbseq::mostInChain(); chainLength(key.get(), most) == most)
+      reader.refuse("items",
+                    "more than " + std::to_string(most) + " sequences of the level share a bucket");
     putOverwrite(key.get(), counter.get());
     static_cast<void>(key.release());
     static_cast<void>(counter.release());

@@ -10,6 +10,7 @@
 #include <ostream>
 #include <utility>
 
+#include "common/Limits.h"
 #include "common/messages.h"
 #include "sequence/HashtableSQPair.h"
 #include "sequence/NTSequence.h"
@@ -189,7 +190,8 @@ std::uint64_t HashtableSQPair::readObjectXML(std::istream& is) {
     auto counter = std::make_unique<SequenceCounter>();
     const std::uint64_t counterLines = counter->readObjectXML(is);
     if (counterLines == 0 || !fits(*key, *counter)) return 0;
-    if (chainLength(key.get(), kMostInChain) == kMostInChain) return 0;
+    if (const std::int32_t most = orbseq::mostInChain(); chainLength(key.get(), most) == most)
+      return 0;
     putOverwrite(key.get(), counter.get());
     static_cast<void>(key.release());
     static_cast<void>(counter.release());

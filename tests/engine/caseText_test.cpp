@@ -11,6 +11,8 @@
 
 namespace {
 
+using orbseq::CaseLimits;
+
 using orbseq::engine::appendCaseText;
 using orbseq::engine::History;
 using Sets = std::vector<std::vector<std::int32_t>>;
@@ -115,6 +117,43 @@ TEST(CaseText, TheTextIsAppendedToTheHistory) {
   appendCaseText("(2)", history);
 
   EXPECT_EQ(history.sets(), 2U);
+}
+
+// What a text within limits comes to, or what is told of the limit that it passes.
+std::string readWithin(const CaseLimits& limits, const std::string& text) {
+  orbseq::engine::History history;
+  try {
+    orbseq::engine::appendCaseText(text, limits, history);
+  } catch (const orbseq::engine::CaseLimitPassed& error) {
+    return error.what();
+  }
+  return std::to_string(history.sets()) + " sets, " + std::to_string(history.items()) + " items";
+}
+
+TEST(CaseText, ALimitIsReachedButNotPassed) {
+  CaseLimits limits;
+  limits.textBytes = 6;
+  EXPECT_EQ(readWithin(limits, "(1)(2)"), "2 sets, 2 items");
+  EXPECT_EQ(readWithin(limits, "(1)(2) "), "the history has more than 6 bytes, the limit");
+
+  limits = CaseLimits();
+  limits.sets = 2;
+  EXPECT_EQ(readWithin(limits, "()(1)"), "2 sets, 1 items");
+  EXPECT_EQ(readWithin(limits, "()(1)("), "the history has more than 2 item sets, the limit");
+
+  limits = CaseLimits();
+  limits.items = 2;
+  EXPECT_EQ(readWithin(limits, "(1 1 1)(1)"), "2 sets, 2 items");
+  EXPECT_EQ(readWithin(limits, "(1 2 3"), "the history has more than 2 items, the limit");
+}
+
+TEST(CaseText, ByDefaultThereIsNoLimit) {
+  std::string text;
+  for (int k = 0; k < 20'000; ++k) text += "(1 2 3)";
+
+  EXPECT_EQ(readWithin({}, text), "20000 sets, 60000 items");
+  EXPECT_EQ(readWithin(CaseLimits::strangers(), text),
+            "the history has more than 65536 bytes, the limit");
 }
 
 }  // namespace
