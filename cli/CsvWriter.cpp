@@ -5,14 +5,14 @@
 
 namespace orbseq {
 
-CsvWriter::CsvWriter(const ItemLabelMap& labels) : labels_(labels, csvField) {}
+CsvWriter::CsvWriter(const ItemLabelMap& labels) : labels_(labels, csvExport) {}
 
 void CsvWriter::appendHeader(std::string& out) const {
   out += "customer,rank,item,label,confidence,support,cause\n";
 }
 
 void CsvWriter::appendAnswers(std::string& out, const std::string& customer, Answers answers) {
-  const std::string name = csvField(customer);
+  const std::string name = csvExport(customer);
   std::size_t rank = 0;
   for (const auto& answer : answers) {
     out += name;

@@ -87,8 +87,8 @@ class CsvProposals final : public ProposalWriter {
     for (const RankedProposal& ranked : proposals) {
       const Proposal& proposal = *ranked.proposal;
       const auto& consequent = proposal.consequent;
-      fmt::format_to(std::back_inserter(out), "{},{},{},{},{}", csvField(customer), ranked.rank,
-                     consequent.GetItem(), csvField(labelOf(labels_, consequent.GetItem())),
+      fmt::format_to(std::back_inserter(out), "{},{},{},{},{}", csvExport(customer), ranked.rank,
+                     consequent.GetItem(), csvExport(labelOf(labels_, consequent.GetItem())),
                      proposal.wins ? 1 : 0);
       for (const double value :
            {consequent.GetConfidence(), consequent.GetSupport(), consequent.GetCause()}) {

@@ -50,9 +50,9 @@ class CsvRules final : public RuleWriter {
   }
   void appendRule(std::string& out, const RatedRule& rated) const override {
     const auto& rule = *rated.rule;
-    out += csvField(setsOf(rule.GetAntecedent()));
+    out += csvExport(setsOf(rule.GetAntecedent()));
     out += ',';
-    out += csvField(setsOf(rule.GetConsequent()));
+    out += csvExport(setsOf(rule.GetConsequent()));
     for (const double value :
          {rule.GetSupport(), rule.GetConfidence(), rule.GetCause(), rated.lift}) {
       out += ',';

@@ -11,6 +11,7 @@
 #include "cli/messages.h"
 #include "io/ModelFile.h"
 #include "io/process.h"
+#include "scoring/hostapi/QuErrorFormater.h"
 
 namespace orbseq {
 
@@ -35,6 +36,9 @@ void printSummary(const TrainOptions& options, const TransactionLog& log, const 
                            log.badRows > 0 ? fmt::format(" ({} bad, left out)", log.badRows) : "",
                            log.database.customers(), log.database.sets(),
                            log.database.occurrences()));
+  if (!log.textItem.empty())
+    printMessage("items are texts: " + OrbScore::QuErrorFormater::Quote(log.textItem) +
+                 " is no integer from 0 to 2147483647");
   std::string levels;
   for (std::size_t level = 1; level < summary.byLevel.size(); ++level)
     if (summary.byLevel[level] > 0)
@@ -45,8 +49,11 @@ void printSummary(const TrainOptions& options, const TransactionLog& log, const 
                            options.training.onePass ? " (counts are upper bounds)" : "",
                            levels.empty() ? "none of any" : levels));
   const Training& limits = options.training;
-  if (limits.maxItems < MinerOptions::kMostItems || limits.maxSets < MinerOptions::kMostItems ||
-      limits.maxItemsPerSet < MinerOptions::kMostItems)
+  const bool isCut = limits.maxItems == MinerOptions::kMostItems &&
+                     summary.byLevel.size() > MinerOptions::kMostItems &&
+                     summary.byLevel[MinerOptions::kMostItems] > 0;
+  if (isCut || limits.maxItems < MinerOptions::kMostItems ||
+      limits.maxSets < MinerOptions::kMostItems || limits.maxItemsPerSet < MinerOptions::kMostItems)
     printMessage(fmt::format("looked at up to {} items, {} item sets, {} items in a set",
                              limits.maxItems, limits.maxSets, limits.maxItemsPerSet));
   printMessage(fmt::format("{} links, about {:.1f} MiB, {:.2f} s", summary.links,
@@ -84,6 +91,7 @@ ExitStatus runTrain(const TrainOptions& options) {
   model.lattice = trainLattice(options.training, miner, log.database, showsProgress);
   model.labels = std::move(log.labels);
   saveModel(options.output, model, form);
+  if (log.rows == 0) printMessage("warning: the log has no rows, and the model no sequences");
   const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - begin;
   if (!options.quiet) printSummary(options, log, miner, *model.lattice, spent.count());
   return ExitStatus::kDone;

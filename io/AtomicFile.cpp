@@ -111,16 +111,21 @@ void AtomicFile::flush() {
   while (!rest.empty()) {
     const ssize_t written = ::write(descriptor_, rest.data(), rest.size());
     if (written < 0) fail("write");
+    if (interrupted()) fail("write", EINTR);  // a write that it cuts short tells a part
     rest.remove_prefix(static_cast<std::size_t>(written));
   }
   buffer_.clear();
 }
 
-void AtomicFile::commit() {
+void AtomicFile::prepare() {
   flush();
   if (!temporary_.empty() && ::fsync(descriptor_) != 0) fail("flush to the disk");
   const int descriptor = std::exchange(descriptor_, -1);
   if (::close(descriptor) != 0) fail("close");
+}
+
+void AtomicFile::commit() {
+  if (descriptor_ >= 0) prepare();
   if (temporary_.empty()) return;
 
   if (::rename(temporary_.c_str(), target_.c_str()) != 0) fail("replace");

@@ -3,7 +3,8 @@
 //
 // Bytes go to a temporary file beside the target (".orbseq-PID-N.tmp"). commit() flushes it to the
 // disk, renames it over the target and flushes the folder. Without commit() the destructor removes
-// the temporary file, and the target stands as it was.
+// the temporary file, and the target stands as it was. A process that is killed leaves its
+// temporary file: that is no obstacle to a later one, and anybody may remove it.
 //
 // - A symbolic link stays; the file that it leads to is replaced.
 // - An existing file's permissions are kept, and its owner where the process may set it; a new
@@ -37,6 +38,10 @@ class AtomicFile {
 
   // Appends the bytes; they are buffered.
   void write(std::string_view bytes);
+
+  // Brings the content to the disk, so that commit() has only a name to change: of several files
+  // each is prepared before the first is committed. Nothing is written afterwards.
+  void prepare();
 
   // Makes the content the target's. At most once, and nothing is written afterwards.
   void commit();

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "io/IoError.h"
 #include "io/LogReading.h"
 #include "io/historyText.h"
 
@@ -22,7 +23,11 @@ JsonHistoryReader::JsonHistoryReader(const std::string& path, const LogBuilder::
 std::string JsonHistoryReader::historyOf(const JsonRecord& record) {
   LogBuilder builder(options_);
   builder.beginCustomer(record.customer);
-  addBaskets(record, builder);
+  try {
+    addBaskets(record, builder);
+  } catch (const LogBuilder::Full& full) {
+    throw InputError(lines_.source().name(), lines_.number(), full.what());
+  }
   const TransactionLog log = builder.finish();
   unknown_.add(log.unknown);
   std::string text;

@@ -10,6 +10,12 @@ namespace orbseq {
 
 namespace {
 
+void checkSize(std::string_view text, const char* what) {
+  if (text.size() > LogBuilder::kMostTextBytes)
+    throw LogBuilder::Full(std::string("the ") + what + " is longer than " +
+                           std::to_string(LogBuilder::kMostTextBytes) + " bytes, the limit");
+}
+
 // A text that names no item, and the row of a basket without one.
 constexpr std::int32_t kUnknown = std::numeric_limits<std::int32_t>::min();
 constexpr std::int64_t kNoItem = std::numeric_limits<std::int64_t>::min();
@@ -31,6 +37,10 @@ std::int64_t LogBuilder::textCodeOf(std::string_view item) {
   hasText_ = true;
   const auto known = textIndex_.find(item);
   if (known != textIndex_.end()) return -1 - std::int64_t{known->second};
+  if (texts_.size() == options_.mostTexts)
+    throw Full("more than " + std::to_string(options_.mostTexts) +
+               " different items are texts, the limit");
+  checkSize(item, "item");
   const auto index = static_cast<std::uint32_t>(texts_.size());
   texts_.emplace_back(item);
   textIndex_.emplace(item, index);
@@ -59,6 +69,7 @@ void LogBuilder::addRow(std::string_view customer, double time, std::string_view
 
 void LogBuilder::describe(std::string_view item, std::string_view description) {
   if (description.empty() || descriptions_.find(item) != descriptions_.end()) return;
+  checkSize(description, "description");
   descriptions_.emplace(item, description);
 }
 
@@ -162,6 +173,8 @@ void LogBuilder::fill(TransactionLog& log, const std::vector<std::int32_t>& numb
 
 TransactionLog LogBuilder::finish() {
   TransactionLog log;
+  if (options_.known == nullptr && options_.items == ItemKind::kAuto && hasText_)
+    log.textItem = texts_.front();
   order();
   const std::vector<std::int32_t> numbers =
       options_.known != nullptr ? lookItemsUp() : numberItems(log);

@@ -9,7 +9,7 @@
 // history is answered as one whose items have numbers that the model does not know.
 //
 // Memory: 24 bytes an item occurrence, and each different text once.
-// Threads: one at a time.
+// Threads: one at a time. Errors: Full when a text, or their number, is beyond a limit.
 
 #ifndef IO_LOGBUILDER_H_
 #define IO_LOGBUILDER_H_
@@ -17,6 +17,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,7 +36,16 @@ class LogBuilder {
   struct Options {
     ItemKind items = ItemKind::kAuto;
     std::optional<Period> basket;
-    const ItemNames* known = nullptr;  // look items up; null: number them
+    const ItemNames* known = nullptr;   // look items up; null: number them
+    std::size_t mostTexts = 4'000'000;  // different items that are texts
+  };
+
+  static constexpr std::size_t kMostTextBytes = std::size_t{1} << 20U;  // of an item, a description
+
+  // A limit was hit: what it was, without a place. The builder can only be destroyed.
+  class Full : public std::runtime_error {
+   public:
+    using std::runtime_error::runtime_error;
   };
 
   explicit LogBuilder(const Options& options) : options_(options) {}

@@ -36,17 +36,21 @@ TransactionLog readLog(const std::string& path, const LogOptions& options) {
   if (options.format == LogFormat::kBasket) readBaskets(path, reading);
   if (options.format == LogFormat::kJsonLines) readJsonLines(path, reading);
   if (options.format == LogFormat::kSqlite) readSqlite(path, reading);
+  const std::string file = path == "-" ? "standard input" : path;
   if (options.builder.items == ItemKind::kText)
-    for (const auto& [item, name] : names) reading.builder().describe(std::to_string(item), name);
-  TransactionLog log = reading.finish();
+    reading.add({file}, [&] {
+      for (const auto& [item, name] : names) reading.builder().describe(std::to_string(item), name);
+    });
+  TransactionLog log = reading.finish(file);
   if (options.builder.items != ItemKind::kText) log.labels.merge(names);
   return log;
 }
 
 TransactionLog readLog(CsvReader rows, const LogOptions& options) {
   LogReading reading(options);
+  const std::string file = rows.name();
   readRows(std::move(rows), reading);
-  return reading.finish();
+  return reading.finish(file);
 }
 
 }  // namespace orbseq

@@ -19,8 +19,8 @@
 // numbers; all others are texts, which a log without a model numbers, and which a model's names
 // look up (io/LogBuilder.h).
 //
-// Errors: InputError with file, row and column; FileError. With skipBadRows, so many rows whose
-// customer, time or item is bad are left out and counted; other faults of form are always errors.
+// Errors: InputError with file, row and column; FileError, EnvironmentError. With skipBadRows, so
+// many rows whose customer, time or item is bad are left out; other faults of form stay errors.
 // Threads: any number, each with its own log.
 
 #ifndef IO_LOGREADER_H_

@@ -40,8 +40,9 @@ void LogReading::addHistory(const Place& place, std::string_view customer,
   }
 }
 
-TransactionLog LogReading::finish() {
-  TransactionLog log = builder_.finish();
+TransactionLog LogReading::finish(const std::string& file) {
+  TransactionLog log;
+  add({file}, [&] { log = builder_.finish(); });
   log.rows = rows_;
   log.badRows = badRows_;
   return log;

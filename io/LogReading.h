@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "io/IoError.h"
 #include "io/LogBuilder.h"
 #include "io/LogReader.h"
 
@@ -38,6 +39,16 @@ class LogReading {
   // A bad row: counted, or InputError when more are bad than may be.
   void refuse(const Place& place, const std::string& detail);
 
+  // Does what adds something of that place to the builder. InputError when the builder is full.
+  template <class Add>
+  void add(const Place& place, Add add) const {
+    try {
+      add();
+    } catch (const LogBuilder::Full& full) {
+      throw InputError(place.file, place.row, place.column, full.what());
+    }
+  }
+
   // One more row was read; tells the progress now and then.
   void counted(std::uintmax_t bytes, std::optional<std::uintmax_t> size);
 
@@ -45,7 +56,8 @@ class LogReading {
   // before, or else the times 1, 2, 3 .. A bad one is refused as a row.
   void addHistory(const Place& place, std::string_view customer, std::string_view history);
 
-  TransactionLog finish();
+  // Of the file of that name.
+  TransactionLog finish(const std::string& file);
 
  private:
   const LogOptions& options_;

@@ -320,6 +320,8 @@ bool saveModel(const std::string& path, const Model& model, ModelForm form) {
   if (isReplaced && !hasRoomForLabels(form) && !model.labels.empty()) {
     AtomicFile labels(labelFileOf(path));
     writeLabels(labels, model.labels);
+    file.prepare();
+    labels.prepare();
     file.commit();
     labels.commit();
     return false;

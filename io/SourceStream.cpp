@@ -21,12 +21,15 @@ constexpr std::size_t kBlockBytes = std::size_t{1} << 16U;
 
 class SourceStream::Buffer final : public std::streambuf {
  public:
-  explicit Buffer(std::FILE* file) noexcept : file_(file) {}
+  Buffer() = default;
   ~Buffer() override {
     if (file_ != stdin) std::fclose(file_);
   }
   Buffer(const Buffer&) = delete;
   Buffer& operator=(const Buffer&) = delete;
+
+  // Reads this file, which it then owns, in the place of standard input.
+  void take(std::FILE* file) noexcept { file_ = file; }
 
   std::string_view block() {
     if (gptr() == egptr()) underflow();
@@ -61,7 +64,7 @@ class SourceStream::Buffer final : public std::streambuf {
     return static_cast<std::size_t>(std::count(static_cast<const char*>(eback()), end, '\n'));
   }
 
-  std::FILE* file_;
+  std::FILE* file_ = stdin;
   std::array<char, kBlockBytes> block_;
   std::uint64_t offset_ = 0;  // of the block's first byte
   std::size_t lines_ = 0;     // line feeds before the block
@@ -71,14 +74,14 @@ class SourceStream::Buffer final : public std::streambuf {
 
 SourceStream::SourceStream(const std::string& path)
     : std::istream(nullptr), name_(path == "-" ? "standard input" : path) {
-  std::FILE* file = stdin;
+  buffer_ = std::make_unique<Buffer>();  // first, so that no file is left open without memory
   if (path != "-") {
     std::error_code ignored;
     if (std::filesystem::is_directory(path, ignored)) throw FileError(name_, "read", EISDIR);
-    file = std::fopen(path.c_str(), "rbe");
+    std::FILE* const file = std::fopen(path.c_str(), "rbe");
     if (file == nullptr) throw FileError(name_, "open", errno);
+    buffer_->take(file);
   }
-  buffer_ = std::make_unique<Buffer>(file);
   imbue(std::locale::classic());
   rdbuf(buffer_.get());
 }

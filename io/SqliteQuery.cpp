@@ -19,7 +19,8 @@ namespace orbseq {
 namespace {
 
 constexpr int kStepsBetweenLooks = 100'000;  // of SQLite's machine; some milliseconds
-constexpr int kBusyMilliseconds = 5'000;
+constexpr int kBusyMilliseconds = 500;
+constexpr int kMostBytes = 16 << 20;  // of a text, or of a row
 
 bool isCompressed(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
@@ -47,6 +48,7 @@ class SqliteQuery::Connection {
       open(path);
     sqlite3_busy_timeout(database_.get(), kBusyMilliseconds);
     sqlite3_limit(database_.get(), SQLITE_LIMIT_ATTACHED, 0);
+    sqlite3_limit(database_.get(), SQLITE_LIMIT_LENGTH, kMostBytes);
     sqlite3_db_config(database_.get(), SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_progress_handler(
         database_.get(), kStepsBetweenLooks, [](void*) { return interrupted() ? 1 : 0; }, nullptr);

@@ -7,6 +7,7 @@
 #include <new>
 #include <system_error>
 
+#include "host/EnvironmentError.h"
 #include "io/IoError.h"
 
 namespace orbseq {
@@ -91,7 +92,16 @@ std::string_view TextSource::nextRaw() {
   const std::size_t count = std::fread(block_.data(), 1, block_.size(), file_.get());
   if (count < block_.size() && std::ferror(file_.get()) != 0) throw FileError(name_, "read", errno);
   bytesRead_ += count;
+  if (count == 0) checkSize();
   return {block_.data(), count};
+}
+
+// At the end. Files that the system makes up have no size of their own.
+void TextSource::checkSize() const {
+  if (size_.value_or(0) != 0 && bytesRead_ != *size_)
+    throw OrbScore::EnvironmentError(name_ + ": the file changed while it was read: of " +
+                                     std::to_string(*size_) + " bytes at the beginning, " +
+                                     std::to_string(bytesRead_) + " at the end");
 }
 
 std::string_view TextSource::nextInflated() {

@@ -8,7 +8,9 @@
 // Memory: one block of 64 KiB, or two for gzip, whatever the file's size.
 // Threads: one at a time on one source; standard input has one source a process.
 // Errors: FileError when the file cannot be opened or read (a folder, say), also when a signal
-//         interrupts a read that waits; InputError for UTF-16.
+//         interrupts a read that waits; EnvironmentError when the file has grown or shrunk by the
+//         end, so that nobody takes a part for the whole; InputError for UTF-16 and for what is no
+//         gzip.
 
 #ifndef IO_TEXTSOURCE_H_
 #define IO_TEXTSOURCE_H_
@@ -24,7 +26,7 @@ namespace orbseq {
 
 class TextSource {
  public:
-  static constexpr std::uintmax_t kMostExpansion = 400;  // plain logs come to some 20
+  static constexpr std::uintmax_t kMostExpansion = 100;  // logs come to some 20
 
   explicit TextSource(const std::string& path);
   ~TextSource();
@@ -45,6 +47,7 @@ class TextSource {
   class Inflater;
 
   std::string_view nextRaw();
+  void checkSize() const;
   std::string_view nextInflated();
 
   struct Close {

@@ -42,6 +42,7 @@ struct TransactionLog {
   SequenceDatabase database;
   std::vector<std::string> customers;  // [database.customers()] as the log calls them
   ItemLabelMap labels;                 // the items' texts, and descriptions where there are any
+  std::string textItem;                // the first item that made texts of all; empty: none did
   std::size_t rows = 0;                // rows, lines or objects that were read
   std::size_t badRows = 0;             // of them, those that were skipped
   UnknownItems unknown;                // where items were looked up

@@ -8,7 +8,13 @@
 
 namespace orbseq {
 
+// For what is read back as it was.
 std::string csvField(std::string_view text);
+
+// For what people open in a spreadsheet.
+// Deliberate: an apostrophe goes before a text that a spreadsheet would run as a formula: one that
+// begins with = + - @, a tab or CR, unless it is a plain number or a sign alone.
+std::string csvExport(std::string_view text);
 
 }  // namespace orbseq
 

@@ -41,7 +41,7 @@ void readJsonLines(const std::string& path, LogReading& reading) {
     } else if (!reading.builder().beginCustomer(record.customer) && !record.times) {
       reading.refuse(place, "the customer came before: baskets in parts want times");
     } else {
-      addBaskets(record, reading.builder());
+      reading.add(place, [&] { addBaskets(record, reading.builder()); });
     }
   }
 }

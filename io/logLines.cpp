@@ -17,7 +17,19 @@ namespace orbseq {
 
 namespace {
 
-constexpr const char* kNoUtf8 = "the text is no UTF-8";
+// What no label can hold.
+struct BadByte {
+  std::size_t column = 0;  // 0: there is none
+  const char* what = nullptr;
+};
+
+BadByte badByteIn(std::string_view line) noexcept {
+  const std::size_t invalid = firstInvalidUtf8(line);
+  const std::size_t nul = line.substr(0, invalid).find('\0');
+  if (nul != std::string_view::npos) return {nul + 1, "the text holds a NUL"};
+  if (invalid != std::string_view::npos) return {invalid + 1, "the text is no UTF-8"};
+  return {};
+}
 
 std::string quoted(std::string_view text) { return OrbScore::QuErrorFormater::Quote(text); }
 
@@ -126,8 +138,8 @@ ItemLabelMap readSpmf(const std::string& path, LogReading& reading) {
     const std::size_t begin = line.find_first_not_of(" \t\r");
     if (begin == std::string_view::npos || line[begin] == '#' || line[begin] == '%') continue;
     if (line[begin] == '@') {
-      if (const std::size_t bad = firstInvalidUtf8(line); bad != std::string_view::npos)
-        throw InputError(lines.source().name(), lines.number(), bad + 1, kNoUtf8);
+      if (const BadByte bad = badByteIn(line); bad.column != 0)
+        throw InputError(lines.source().name(), lines.number(), bad.column, bad.what);
       readItemName(line.substr(begin), names);
       continue;
     }
@@ -147,8 +159,8 @@ void readBaskets(const std::string& path, LogReading& reading) {
     const auto refuse = [&](const std::string& detail) {
       reading.refuse({lines.source().name(), lines.number(), words.column()}, detail);
     };
-    if (const std::size_t bad = firstInvalidUtf8(lines.line()); bad != std::string_view::npos) {
-      reading.refuse({lines.source().name(), lines.number(), bad + 1}, kNoUtf8);
+    if (const BadByte bad = badByteIn(lines.line()); bad.column != 0) {
+      reading.refuse({lines.source().name(), lines.number(), bad.column}, bad.what);
       continue;
     }
     const auto time = logTimeOf(words.next());
@@ -173,7 +185,9 @@ void readBaskets(const std::string& path, LogReading& reading) {
     }
     reading.builder().beginCustomer(customer);
     reading.builder().beginBasket(*time);
-    for (const std::string_view item : items) reading.builder().addItem(item);
+    reading.add({lines.source().name(), lines.number()}, [&] {
+      for (const std::string_view item : items) reading.builder().addItem(item);
+    });
   }
 }
 

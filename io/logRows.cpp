@@ -48,8 +48,10 @@ void addRow(const Rows& row, const Columns& columns, LogReading& reading) {
   else if (!reading.builder().accepts(item))
     refuse(columns.item, quoted(item) + kNoInteger);
   else {
-    reading.builder().addRow(row.field(columns.customer), *when, item);
-    if (columns.label) reading.builder().describe(item, row.field(*columns.label));
+    reading.add({row.name(), row.row(), columns.item + 1}, [&] {
+      reading.builder().addRow(row.field(columns.customer), *when, item);
+      if (columns.label) reading.builder().describe(item, row.field(*columns.label));
+    });
   }
 }
 

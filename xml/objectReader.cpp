@@ -153,6 +153,7 @@ bool ParseValue(std::istream& is, double& value) {
   }
   std::istringstream stream(*text);
   stream.imbue(std::locale::classic());
+  stream.exceptions(std::ios::badbit);  // memory that runs out is not a bad number
   stream >> value;
   return true;
 }

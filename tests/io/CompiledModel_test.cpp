@@ -163,11 +163,11 @@ TEST(CompiledModel, LessThanItsFirstEightBytesIsNoCompiledForm) {
 TEST(CompiledModel, AnotherVersionIsRefused) {
   const SavedImage saved;
   std::string bytes = saved.bytes;
-  bytes[8] = 2;
+  bytes[8] = 7;
   const std::string path = saved.folder.file("new", bytes);
 
   EXPECT_EQ(refusalOf(path),
-            path + ": offset 0x8: the compiled form has version 2; this build reads 1");
+            path + ": offset 0x8: the compiled form has version 7; this build reads 2");
 }
 
 TEST(CompiledModel, AChangedByteIsRefused) {

@@ -1,0 +1,271 @@
+// Hostile customers' data: rows V09 to V15, what items, times, customers and baskets make of a log
+// that can be read.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "io/IoError.h"
+#include "io/LogReader.h"
+#include "tests/hostile/logs.h"
+#include "tests/hostile/rowNames.h"
+
+namespace {
+
+using namespace std::string_literals;
+using orbseq::InputError;
+using orbseq::LogFormat;
+using orbseq::LogOptions;
+using orbseq::test::errorOf;
+using orbseq::test::Feed;
+using orbseq::test::kMegabyte;
+using orbseq::test::Outcome;
+using orbseq::test::runWithin;
+using orbseq::test::TempFolder;
+using orbseq::test::Training;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+
+const std::string kHead = "customer,time,item\n";
+
+// A dictionary of ten million texts, at a thousandth of the size: the limit is the option's.
+TEST(HostileItems, V10TheNumberOfTextsHasALimit) {
+  constexpr std::size_t kTexts = 4'000;
+  const TempFolder folder;
+  std::string csv = kHead, basket, json;
+  for (std::size_t i = 0; i <= kTexts; ++i) {
+    const std::string item = "x" + std::to_string(i);
+    csv += "a,1," + item + "\n";
+    basket += "a 1 1 " + item + "\n";
+    json += R"({"customer": ")" + item + R"(", "baskets": [[")" + item + "\"]]}\n";
+  }
+  const struct {
+    LogFormat format;
+    std::string bytes;
+    std::string place;
+  } rows[] = {{LogFormat::kCsv, csv, ":4002:3"},
+              {LogFormat::kBasket, basket, ":4001"},
+              {LogFormat::kJsonLines, json, ":4001"}};
+  for (const auto& row : rows) {
+    const std::string path = folder.file("log", row.bytes);
+    LogOptions options;
+    options.format = row.format;
+    options.builder.mostTexts = kTexts;
+    EXPECT_EQ(errorOf<InputError>([&] { readLog(path, options); }),
+              path + row.place + ": more than 4000 different items are texts, the limit");
+    ++options.builder.mostTexts;
+    EXPECT_EQ(readLog(path, options).labels.size(), kTexts + 1);
+  }
+  EXPECT_EQ(LogOptions().builder.mostTexts, 4'000'000U);
+}
+
+TEST(HostileItems, V10ALabelOfAMegabyteIsKeptWhole) {
+  const std::string label(1'000'000, 'x');
+  const Training training;
+  const std::string log = training.folder().file("log.csv", kHead + "a,1," + label + "\n");
+
+  EXPECT_EQ(training.train(log).status, 0);
+
+  EXPECT_EQ(training.sequences(), label + " -1 #SUP: 1\n");
+}
+
+TEST(HostileItems, V10ALongerLabelIsRefusedInEveryForm) {
+  const std::string label(kMegabyte + 1, 'x');
+  Training().expectRefused("log.csv", kHead + "a,1," + label + "\n",
+                           ":2:3: the field is longer than 1048576 bytes, the limit");
+  Training().expectRefused("log", "a 1 1 5\na 1 1 " + label + "\n",
+                           ":2: the item is longer than 1048576 bytes, the limit",
+                           {"--input-format", "basket"});
+  Training().expectRefused("log.jsonl", R"({"customer": "a", "baskets": [[")" + label + "\"]]}\n",
+                           ":1: the item is longer than 1048576 bytes, the limit");
+  Training().expectRefused("log.spmf", "@ITEM=1=" + label + "\n1 -1 -2\n",
+                           ": the description is longer than 1048576 bytes, the limit",
+                           {"--items", "text"});
+}
+
+struct LabelRow {
+  const char* name;
+  std::string label;
+  std::string document;  // as an attribute's value there
+  std::string csv;       // as a field, which no spreadsheet takes for a formula
+};
+void PrintTo(const LabelRow& row, std::ostream* os) { *os << row.name; }
+
+class HostileLabel : public testing::TestWithParam<LabelRow> {};
+
+TEST_P(HostileLabel, IsEscapedInWhatIsWritten) {
+  const LabelRow& row = GetParam();
+  const Training training;
+  std::string quoted;
+  for (const char c : row.label) quoted += c == '"' ? "\"\"" : std::string(1, c);
+  const std::string log =
+      training.folder().file("log.csv", kHead + "a,1,\"" + quoted + "\"\na,1,\"" + quoted + "\"\n");
+  ASSERT_EQ(training.train(log).status, 0);
+  const std::string model = training.folder().path("m.xml");
+  const std::string customers =
+      training.folder().file("c.csv", "customer,history\n\"" + quoted + "\",\n");
+
+  const Outcome scored =
+      runWithin({}, {"score", "--model", model, "--input", customers, "--format", "csv"});
+  const Outcome json =
+      runWithin({}, {"score", "--model", model, "--input", customers, "--format", "jsonl"});
+
+  EXPECT_THAT(training.model(), HasSubstr("mappedValue=\"" + row.document + "\""));
+  EXPECT_THAT(scored.output, HasSubstr("\n" + row.csv + ",1,1," + row.csv + ",1,1,1\n"));
+  EXPECT_EQ(json.status, 0);
+  // Back from the document it is what it was: the same once more.
+  const std::string again = training.folder().path("again.xml");
+  EXPECT_EQ(runWithin({}, {"convert", "--model", model, "--output", again}).status, 0);
+  EXPECT_THAT(orbseq::test::contentOf(again), HasSubstr("mappedValue=\"" + row.document + "\""));
+}
+
+const LabelRow kLabels[] = {
+    {"V10Formula", "=cmd()", "=cmd()", "'=cmd()"},
+    {"V10FormulaWithQuotes", "=cmd|'/c calc'!A1,\"x\"", "=cmd|'/c calc'!A1,&quot;x&quot;",
+     "\"'=cmd|'/c calc'!A1,\"\"x\"\"\""},
+    {"V10Plus", "+1+cmd()", "+1+cmd()", "'+1+cmd()"},
+    {"V10Minus", "-cmd()", "-cmd()", "'-cmd()"},
+    {"V10At", "@SUM(1)", "@SUM(1)", "'@SUM(1)"},
+    {"V10NegativeNumber", "-12.5", "-12.5", "-12.5"},
+    {"V10Element", "<b>", "&lt;b&gt;", "<b>"},
+    {"V10Entity", "&lt;", "&amp;lt;", "&lt;"},
+};
+INSTANTIATE_TEST_SUITE_P(Labels, HostileLabel, testing::ValuesIn(kLabels),
+                         [](const auto& it) { return it.param.name; });
+
+TEST(HostileItems, V09BadRowsAreLeftOutAndCounted) {
+  const Training training;
+  const std::string log =
+      training.folder().file("log.csv", kHead + "a,1,5\na,2,\n,1,5\na,NaN,5\na,2,6\n");
+
+  const Outcome refused = training.train(log, {"--skip-bad-rows", "2"});
+  training.expectOldModel(1);
+  const Outcome outcome = training.train(log, {"--skip-bad-rows", "3"});
+
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_THAT(refused.error, HasSubstr(log + ":5:2: \"NaN\""));
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.error, HasSubstr("5 rows (3 bad, left out), 1 customers"));
+  EXPECT_EQ(training.sequences(), "5 -1 #SUP: 1\n6 -1 #SUP: 1\n5 -1 6 -1 #SUP: 1\n");
+}
+
+// The rule: a number stands as it is, a date counts in seconds since the beginning of 1970.
+TEST(HostileItems, V11DatesAndNumbersInOneFileAreOneScale) {
+  const Training training;
+  const std::string log =
+      training.folder().file("log.csv", kHead + "a,86400,5\na,1970-01-02,6\na,1970-01-01,7\n");
+
+  EXPECT_EQ(training.train(log).status, 0);
+
+  EXPECT_THAT(training.sequences(), AllOf(HasSubstr("7 -1 5 6 -1 #SUP: 1\n")));
+}
+
+TEST(HostileItems, V12RowsOfOneCustomerMayStandApart) {
+  const std::string sorted = kHead + "a,1,5\na,2,6\na,3,7\nb,1,5\nb,2,7\n";
+  const std::string apart = kHead + "a,3,7\nb,2,7\na,1,5\nb,1,5\na,2,6\n";
+  const Training first, second;
+
+  const Outcome one = first.train(first.folder().file("log.csv", sorted));
+  const Outcome two = second.train(second.folder().file("log.csv", apart));
+
+  EXPECT_THAT(one.error, HasSubstr("2 customers"));
+  EXPECT_THAT(two.error, HasSubstr("2 customers"));
+  EXPECT_THAT(first.sequences(), HasSubstr("5 -1 7 -1 #SUP: 2\n"));
+  EXPECT_EQ(first.model(), second.model());
+}
+
+// Without times nobody knows which part came first.
+TEST(HostileItems, V12HistoriesInPartsWithoutTimesAreRefused) {
+  Training().expectRefused("log.csv", "customer,history\na,(5)\nb,(5)\na,(6)\n",
+                           ":4:2: the customer came before: histories in parts want times");
+  Training().expectRefused("log.jsonl",
+                           "{\"customer\": \"a\", \"baskets\": [[\"5\"]]}\n"
+                           "{\"customer\": \"b\", \"baskets\": [[\"5\"]]}\n"
+                           "{\"customer\": \"a\", \"baskets\": [[\"6\"]]}\n",
+                           ":3: the customer came before: baskets in parts want times");
+}
+
+// 24 bytes a row, twice that while they grow, and what the program and the miner need.
+TEST(HostileItems, V13ACustomerOfAMillionRowsIsTrainedOn) {
+  std::string rows;
+  for (int i = 0; i < 1000; ++i)
+    rows += "a," + std::to_string(i) + "," + std::to_string(i % 10) + "\n";
+  const Training training;
+  Feed feed(training.folder().path("log.csv"), kHead, rows, 1000);
+
+  const Outcome outcome =
+      training.train(feed.path(), {"--max-items", "2"}, {.dataBytes = 256 * kMegabyte});
+
+  EXPECT_EQ(outcome.status, 0) << outcome.error;
+  EXPECT_THAT(outcome.error, HasSubstr("1000000 rows, 1 customers, 1000 baskets"));
+  EXPECT_THAT(training.sequences(), HasSubstr("3 -1 3 -1 #SUP: 1\n"));
+}
+
+TEST(HostileItems, V13AMillionBasketsOfOneCustomerKeepToTheLimitOfMemory) {
+  std::string rows;
+  for (int i = 0; i < 1000; ++i) rows += "a 1 1 " + std::to_string(i % 50) + "\n";
+  const Training training;
+  Feed feed(training.folder().path("log"), "", rows, 1000);
+
+  const Outcome outcome =
+      training.train(feed.path(), {"--input-format", "basket", "--max-memory", "1000"});
+
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_THAT(outcome.error, HasSubstr("limit"));
+  training.expectOldModel(1);
+}
+
+TEST(HostileItems, V14AnItemTwiceInABasketCountsOnce) {
+  const Training training;
+  const std::string log = training.folder().file("log.csv", kHead + "a,1,5\na,1,6\na,1,5\n");
+
+  const Outcome outcome = training.train(log);
+
+  EXPECT_THAT(outcome.error, HasSubstr("3 rows, 1 customers, 1 baskets, 2 item occurrences"));
+  EXPECT_EQ(training.sequences(), "5 -1 #SUP: 1\n6 -1 #SUP: 1\n5 6 -1 #SUP: 1\n");
+}
+
+// A model is made without it; a history that is asked about keeps it.
+TEST(HostileItems, V14AnEmptyBasketIsLeftOutOfAModelAndKeptInAHistory) {
+  const Training training;
+  const std::string log = training.folder().file(
+      "log.jsonl", "{\"customer\": \"a\", \"baskets\": [[\"5\", \"6\"], [], [\"7\"]]}\n");
+  const std::string model = training.folder().path("m.xml");
+  const std::string parts = training.folder().file(
+      "c.jsonl",
+      "{\"customer\": \"a\", \"baskets\": [[]]}\n{\"customer\": \"b\", \"history\": \"()\"}\n"
+      "{\"customer\": \"c\", \"history\": \"(5)\"}\n");
+
+  const Outcome outcome = training.train(log);
+  const Outcome scored =
+      runWithin({}, {"score", "--model", model, "--input", parts, "--format", "csv"});
+
+  EXPECT_THAT(outcome.error, HasSubstr("1 customers, 2 baskets, 3 item occurrences"));
+  EXPECT_THAT(training.sequences(), HasSubstr("5 6 -1 7 -1 #SUP: 1\n"));
+  EXPECT_THAT(scored.output,
+              AllOf(HasSubstr("\nc,1,6,"), Not(HasSubstr("\na,")), Not(HasSubstr("\nb,"))));
+}
+
+TEST(HostileItems, V15SequencesEndAt31ItemsWhichTheSummaryTells) {
+  std::string rows = kHead;
+  for (const char customer : {'a', 'b'})
+    for (int i = 0; i < 40; ++i)
+      (((rows += customer) += ',') += std::to_string(i)) += "," + std::to_string(i) + "\n";
+  const Training training;
+
+  const Outcome outcome =
+      training.train(training.folder().file("log.csv", rows), {"--max-gap", "1"});
+
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.error,
+              AllOf(HasSubstr(" 11 of 30, 10 of 31 items\n"),
+                    HasSubstr("looked at up to 31 items, 31 item sets, 31 items in a set\n")));
+}
+
+TEST(HostileItems, HaveATestForEveryRow) { orbseq::test::expectTestsOfRows('V', 18); }
+
+}  // namespace

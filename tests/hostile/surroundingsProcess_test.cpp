@@ -1,0 +1,252 @@
+// What the process itself meets: a request to stop while it mines or saves, another locale, small
+// stacks.
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <signal.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <clocale>
+#include <cstdlib>
+#include <functional>
+#include <locale>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "io/ModelFile.h"
+#include "tests/cli/Program.h"
+#include "tests/hostile/Child.h"
+#include "tests/hostile/Meter.h"
+
+namespace {
+
+using orbseq::ModelForm;
+using orbseq::test::ChildLimits;
+using orbseq::test::contentOf;
+using orbseq::test::Feed;
+using orbseq::test::Meter;
+using orbseq::test::Outcome;
+using orbseq::test::Program;
+using orbseq::test::run;
+using orbseq::test::runWithin;
+using orbseq::test::TempFolder;
+using testing::StartsWith;
+
+using Arguments = std::vector<std::string>;
+
+const char* const kModel = ORBSEQ_SOURCE_DIR "/examples/shop/lattice.xml";
+const char* const kCustomers = ORBSEQ_SOURCE_DIR "/examples/shop/customers.csv";
+const std::string kHead = "customer,time,item\n";
+
+// Two customers who took the same sixty items one after the other: more sequences than anyone can
+// mine.
+std::string endlessWork() {
+  std::string rows;
+  for (const char* customer : {"a", "b"})
+    for (int i = 0; i < 60; ++i) {
+      const std::string number = std::to_string(i);
+      (((((rows += customer) += ',') += number) += ',') += number) += '\n';
+    }
+  return rows;
+}
+
+TEST(Interruption, WhileMiningLeavesTheOldModel) {
+  for (const int signal : {SIGINT, SIGTERM}) {
+    const TempFolder folder;
+    const std::string old = folder.file("m.xml", "old");
+    Feed feed(folder.path("log.csv"), kHead, endlessWork(), 1);
+    Program program({"train", "--input", feed.path(), "--min-support", "2", "--threads", "2",
+                     "--max-memory", "1000000000", "--output", old});
+    feed.fed();
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));  // the log is read in less
+
+    program.signal(signal);
+    const Outcome outcome = program.wait();
+
+    EXPECT_EQ(outcome.status, 130);
+    EXPECT_EQ(outcome.error, "orbseq: interrupted\n");
+    EXPECT_EQ(contentOf(old), "old");
+    EXPECT_EQ(folder.entries(), 2U);
+  }
+}
+
+// The labels of a binary model go beside it. Here that is a FIFO that is never read, so that the
+// program waits there, its new model written under another name, until the signal comes.
+TEST(Interruption, WhileSavingLeavesTheOldModel) {
+  std::string rows = kHead;
+  for (int i = 0; i < 40; ++i)
+    rows += "a," + std::to_string(i) + ",x" + std::string(10'000, 'y') + std::to_string(i) + "\n";
+  const TempFolder folder, logs;
+  const std::string log = logs.file("log.csv", rows);
+  const std::string old = folder.file("m.bin", "old");
+  const std::string labels = folder.path("m.bin.labels.csv");
+  ASSERT_EQ(::mkfifo(labels.c_str(), 0600), 0);
+  const int fifo = ::open(labels.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  const int full = ::fcntl(fifo, F_GETPIPE_SZ);
+  Program program({"train", "--quiet", "--input", log, "--min-support", "1", "--max-items", "1",
+                   "--output", old});
+  int waiting = 0;
+  for (int i = 0; i < 10'000 && waiting < full; ++i) {
+    ::ioctl(fifo, FIONREAD, &waiting);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  EXPECT_EQ(waiting, full);
+  EXPECT_EQ(folder.entries(), 3U) << "the new model is not there under another name";
+
+  program.signal(SIGINT);
+  const Outcome outcome = program.wait();
+  ::close(fifo);
+
+  EXPECT_EQ(outcome.status, 130);
+  EXPECT_EQ(outcome.error, "orbseq: interrupted\n");
+  EXPECT_EQ(contentOf(old), "old");
+  EXPECT_EQ(folder.entries(), 2U);
+}
+
+// Every command once, each with what it writes.
+struct Commands {
+  explicit Commands(const TempFolder& folder) {
+    const std::string log = folder.file("log.csv", kHead + "a,1.5,5\na,2.5,6\nb,1.5,5\nc,1,tea\n");
+    const auto out = [&](const char* name) {
+      outputs.push_back(folder.path(name));
+      return outputs.back();
+    };
+    lists = {
+        {"train", "--quiet", "--input", log, "--min-support", "0.3", "--output", out("m.xml")},
+        {"convert", "--quiet", "--model", kModel, "--output", out("m.bin")},
+        {"convert", "--quiet", "--model", kModel, "--output", out("m.pmml")},
+        {"convert", "--quiet", "--model", kModel, "--output", out("m.objxml")},
+        {"convert", "--quiet", "--model", folder.path("m.bin"), "--output", out("again.objxml")},
+        {"inspect", "--model", kModel},
+        {"rules", "--model", kModel, "--format", "table"},
+        {"rules", "--model", kModel, "--format", "csv"},
+        {"score", "--model", kModel, "--input", kCustomers, "--format", "table"},
+        {"score", "--model", kModel, "--input", kCustomers, "--format", "csv", "--return",
+         "future"},
+        {"score", "--model", kModel, "--input", kCustomers, "--format", "jsonl", "--module",
+         ORBSEQ_MODULE},
+        {"evaluate", "--help"},
+    };
+  }
+
+  std::vector<Arguments> lists;
+  std::vector<std::string> outputs;
+};
+
+// What the commands put out and write, one after the other.
+std::string everything(const std::function<Outcome(const Arguments&)>& runner) {
+  const TempFolder folder;
+  const Commands commands(folder);
+  std::string text;
+  for (const Arguments& arguments : commands.lists) {
+    const Outcome outcome = runner(arguments);
+    EXPECT_EQ(outcome.status, 0) << arguments[0] << ": " << outcome.error;
+    text += outcome.output;
+  }
+  for (const std::string& path : commands.outputs) {
+    EXPECT_NE(contentOf(path), "") << path;
+    text += contentOf(path);
+  }
+  return text;
+}
+
+std::string everythingAsEver() {
+  return everything([](const Arguments& arguments) { return run(arguments); });
+}
+
+TEST(Locale, OfTheEnvironmentChangesNoByte) {
+  const std::string expected = everythingAsEver();
+  for (const char* variable : {"LC_ALL", "LC_NUMERIC", "LANG"})
+    EXPECT_EQ(everything([&](const Arguments& arguments) {
+                return run(arguments, {.environment = {std::string(variable) + "=de_DE.UTF-8"}});
+              }),
+              expected)
+        << variable;
+}
+
+std::string savedAs(ModelForm form) {
+  const TempFolder folder;
+  orbseq::saveModel(folder.path("m"), orbseq::readModel(kModel), form);
+  orbseq::saveModel(folder.path("n"), orbseq::readModel(folder.path("m")), form);
+  return contentOf(folder.path("n"));
+}
+
+constexpr ModelForm kForms[] = {ModelForm::kDocument, ModelForm::kPmml, ModelForm::kBinary,
+                                ModelForm::kObjectXml};
+
+// Figures in groups of one, with a comma where the point should stand.
+class OtherFigures final : public std::numpunct<char> {
+  char do_decimal_point() const override { return ','; }
+  char do_thousands_sep() const override { return '.'; }
+  std::string do_grouping() const override { return "\1"; }
+};
+
+TEST(Locale, OfTheStreamsChangesNoByte) {
+  std::vector<std::string> expected;
+  for (const ModelForm form : kForms) expected.push_back(savedAs(form));
+
+  const std::locale before = std::locale::global(std::locale(std::locale(), new OtherFigures));
+  std::vector<std::string> found;
+  for (const ModelForm form : kForms) found.push_back(savedAs(form));
+  std::locale::global(before);
+
+  EXPECT_EQ(found, expected);
+}
+
+TEST(Locale, OfTheCLibraryChangesNoByte) {
+  std::vector<std::string> expected;
+  for (const ModelForm form : kForms) expected.push_back(savedAs(form));
+  if (std::setlocale(LC_NUMERIC, "de_DE.UTF-8") == nullptr)
+    GTEST_SKIP() << "no locale de_DE.UTF-8 here";
+  EXPECT_EQ(std::string(std::localeconv()->decimal_point), ",");
+
+  std::vector<std::string> found;
+  for (const ModelForm form : kForms) found.push_back(savedAs(form));
+  std::setlocale(LC_NUMERIC, "C");
+
+  EXPECT_EQ(found, expected);
+}
+
+// A sanitizer's frames are several times as large.
+std::size_t smallStack() {
+  constexpr std::size_t kKiB = 1024;
+  return Meter::slowdown() == 1 ? 256 * kKiB : 2048 * kKiB;
+}
+
+TEST(SmallStack, EveryCommandWorksWithinIt) {
+  const std::string expected = everythingAsEver();
+
+  EXPECT_EQ(everything([](const Arguments& arguments) {
+              return runWithin({.stackBytes = smallStack()}, arguments);
+            }),
+            expected);
+}
+
+TEST(SmallStack, ModelsAreReadAndSavedInAThreadOfIt) {
+  std::vector<std::string> expected;
+  for (const ModelForm form : kForms) expected.push_back(savedAs(form));
+  std::vector<std::string> found;
+  pthread_attr_t attributes;
+  ASSERT_EQ(::pthread_attr_init(&attributes), 0);
+  ASSERT_EQ(::pthread_attr_setstacksize(&attributes, smallStack()), 0);
+
+  pthread_t thread{};
+  const auto work = [](void* all) -> void* {
+    for (const ModelForm form : kForms)
+      static_cast<std::vector<std::string>*>(all)->push_back(savedAs(form));
+    return nullptr;
+  };
+  ASSERT_EQ(::pthread_create(&thread, &attributes, work, &found), 0);
+  ::pthread_join(thread, nullptr);
+  ::pthread_attr_destroy(&attributes);
+
+  EXPECT_EQ(found, expected);
+}
+
+}  // namespace
