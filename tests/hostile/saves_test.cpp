@@ -104,7 +104,7 @@ struct Failure {
   int error;
 };
 
-std::ostream& operator<<(std::ostream& out, const Failure& failure) {
+[[maybe_unused]] std::ostream& operator<<(std::ostream& out, const Failure& failure) {
   return out << "call " << failure.first << (failure.all ? " and all that follow" : " alone")
              << ", error " << failure.error;
 }
