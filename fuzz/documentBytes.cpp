@@ -7,6 +7,7 @@
 #include <ostream>
 #include <string>
 
+#include "fuzz/Choice.h"
 #include "fuzz/check.h"
 #include "fuzz/modelQuestions.h"
 #include "host/SafeDocument.h"
@@ -31,12 +32,12 @@ std::unique_ptr<OrbScore::ScoreModel> modelOf(OrbScore::DOMElement* element) {
   }
 }
 
-void read(std::string_view bytes) {
+void read(std::string_view bytes, Choice choice) {
   constexpr const char* kName = "d.xml";
   const SafeDocument document = SafeDocument::Parse(bytes, kName);
   const auto model = modelOf(document.GetModelElement());
   if (model == nullptr) return;
-  askModel(*model);
+  askModel(*model, choice);
   std::ostream nowhere(nullptr);
   model->Display(nowhere);
 }
@@ -45,7 +46,7 @@ void read(std::string_view bytes) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   try {
-    read(textOf(data, size));
+    read(textOf(data, size), Choice(data, size));
   } catch (const QuException& refusal) {
     requireErrorText(refusal.what(), "d.xml:");
   }

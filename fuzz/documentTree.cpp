@@ -13,6 +13,7 @@
 #include <xercesc/util/PlatformUtils.hpp>
 
 #include "fuzz/Bytes.h"
+#include "fuzz/Choice.h"
 #include "fuzz/check.h"
 #include "fuzz/modelQuestions.h"
 #include "scoring/GiveMyTranslator.h"
@@ -219,6 +220,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     requireErrorText(refusal.what(), "lattice refused: ");
     return 0;
   }
-  askModel(*model);
+  askModel(*model, Choice(data, size));
   return 0;
 }

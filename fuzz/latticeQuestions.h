@@ -8,6 +8,7 @@
 
 #include "engine/Recommender.h"
 #include "engine/compile.h"
+#include "fuzz/Choice.h"
 #include "fuzz/answers.h"
 #include "fuzz/check.h"
 #include "lattice/SequenceDictionary.h"
@@ -23,39 +24,55 @@ inline engine::History engineHistory(const test::History& sets) {
   return history;
 }
 
-// The answers for three customers, asked for in every way.
-inline AllAnswers askBoth(const test::SequenceDictionary& dictionary) {
+// The answers for one of three customers, asked for in one of three ways: which, the choice tells,
+// and a copy of it tells the same for another dictionary.
+inline AllAnswers askBoth(const test::SequenceDictionary& dictionary, Choice choice) {
   static const std::vector<test::History> histories = {{}, {{1}, {2}}, {{1, 2}, {}, {3, 4, 9}}};
+  const Pick customer = choice.among(histories.size());
+  const Pick way = choice.among(3);
   const engine::CompiledLattice compiled = engine::compile(dictionary);
   const engine::Recommender recommender(compiled);
   engine::Workspace workspace;
   AllAnswers all;
-  for (const test::History& history : histories) {
+  const auto check = [&all](const engine::Answers& answers, const std::vector<test::Advice>& same) {
+    requireSound(answers, 20);
+    all.push_back(test::adviceOf(answers));
+    require(all.back() == same, "the compiled lattice answers differently");
+  };
+  for (std::size_t k = 0; k < histories.size(); ++k) {
+    if (!customer.is(k)) continue;
+    const test::History& history = histories[k];
     const engine::History asked = engineHistory(history);
     engine::Answers current, future, beginnings;
-    recommender.currentItems(asked, 20, workspace, current);
-    recommender.futureItems(asked, 20, true, workspace, future);
-    recommender.futureItems(asked, 20, false, workspace, beginnings);
-    for (const engine::Answers* const answers : {&current, &future, &beginnings})
-      requireSound(*answers, 20);
-    require(test::adviceOf(current) == test::currentItems(dictionary, history) &&
-                test::adviceOf(future) == test::futureItems(dictionary, history) &&
-                test::adviceOf(beginnings) == test::futureItems(dictionary, history, 20, false),
-            "the compiled lattice answers differently");
-    for (const engine::Answers* const answers : {&current, &future, &beginnings})
-      all.push_back(test::adviceOf(*answers));
+    if (way.is(0)) {
+      recommender.currentItems(asked, 20, workspace, current);
+      check(current, test::currentItems(dictionary, history));
+    }
+    if (way.is(1)) {
+      recommender.futureItems(asked, 20, true, workspace, future);
+      check(future, test::futureItems(dictionary, history));
+    }
+    if (way.is(2)) {
+      recommender.futureItems(asked, 20, false, workspace, beginnings);
+      check(beginnings, test::futureItems(dictionary, history, 20, false));
+    }
   }
   return all;
 }
 
-inline void exportAll(const test::SequenceDictionary& dictionary) {
+// The lattice, its rules, or its levels' sizes.
+inline void exportSome(const test::SequenceDictionary& dictionary, Choice choice) {
+  const Pick form = choice.among(3);
   std::ostream nowhere(nullptr);
-  require(dictionary.ExportLatticeXML(nowhere, 0.0).IsOK(), "the lattice was not exported");
-  require(
-      dictionary.ExportRulesXML(nowhere, 0.0, 1.0, 0.0, 1.0, 0.0, 1.0, 5, 2.0, 'S', false).IsOK(),
-      "the rules were not exported");
-  for (int level = 0; level < dictionary.getNumLevels(); ++level)
-    dictionary.displaySize(level, 100, nowhere);
+  if (form.is(0))
+    require(dictionary.ExportLatticeXML(nowhere, 0.0).IsOK(), "the lattice was not exported");
+  if (form.is(1))
+    require(
+        dictionary.ExportRulesXML(nowhere, 0.0, 1.0, 0.0, 1.0, 0.0, 1.0, 5, 2.0, 'S', false).IsOK(),
+        "the rules were not exported");
+  if (form.is(2))
+    for (int level = 0; level < dictionary.getNumLevels(); ++level)
+      dictionary.displaySize(level, 100, nowhere);
 }
 
 }  // namespace orbseq::fuzz

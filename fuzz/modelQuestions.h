@@ -3,10 +3,13 @@
 #ifndef FUZZ_MODELQUESTIONS_H_
 #define FUZZ_MODELQUESTIONS_H_
 
+#include <cstddef>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <utility>
 
+#include "fuzz/Choice.h"
 #include "fuzz/answers.h"
 #include "fuzz/check.h"
 #include "scoring/VectorValue.h"
@@ -35,12 +38,16 @@ inline Answers answersOf(const OrbScore::ScoreModel& model, const std::string& h
   return list->GetVectorValue();
 }
 
-// Asks in every way for what customers of the usual items, which a hostile lattice may lack, take.
-// Planted: the two best answers are read the wrong way round.
-inline void askModel(const OrbScore::ScoreModel& model) {
-  for (const char* const history : {"", "(7)", "(7)(9)", "(1 2)(3)", "(9)()(7 9)"}) {
+// Asks in every way for what a customer of the usual items, which a hostile lattice may lack,
+// takes; the choice tells which customer. Planted: the two best answers are read the wrong way
+// round.
+inline void askModel(const OrbScore::ScoreModel& model, Choice choice) {
+  static constexpr const char* kHistories[] = {"", "(7)", "(7)(9)", "(1 2)(3)", "(9)()(7 9)"};
+  const Pick customer = choice.among(std::size(kHistories));
+  for (std::size_t k = 0; k < std::size(kHistories); ++k) {
+    if (!customer.is(k)) continue;
     for (const Asked asked : {Asked::kCurrent, Asked::kFuture, Asked::kFutureAllBeginnings}) {
-      Answers answers = answersOf(model, history, asked);
+      Answers answers = answersOf(model, kHistories[k], asked);
       if (kPlanted && answers.size() > 1) std::swap(answers[0], answers[1]);
       requireSound(answers, 20);
     }

@@ -1,5 +1,5 @@
-// The bytes are a lattice as objects in lines of XML: read, asked, exported, written and read
-// again.
+// The bytes are a lattice as objects in lines of XML: read, then asked, exported, or written and
+// read again, as the choice tells.
 //
 // Refused, the answer is 0 or an IOException by pointer, and at most one line is printed. What is
 // written, the levels up to the first empty one, is read again.
@@ -8,6 +8,7 @@
 #include <sstream>
 #include <string>
 
+#include "fuzz/Choice.h"
 #include "fuzz/PrintedLines.h"
 #include "fuzz/check.h"
 #include "fuzz/latticeQuestions.h"
@@ -49,12 +50,15 @@ std::string written(const SequenceDictionary& dictionary) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   SequenceDictionary dictionary;
   if (!isRead(dictionary, textOf(data, size))) return 0;
-  askBoth(dictionary);
-  exportAll(dictionary);
+  Choice choice(data, size);
+  const Pick work = choice.among(3);
+  if (work.is(0)) askBoth(dictionary, choice);
+  if (work.is(1)) exportSome(dictionary, choice);
+  if (!work.is(2)) return 0;
   SequenceDictionary second;
   require(isRead(second, written(dictionary)), "what was written is not read");
-  const AllAnswers answers = askBoth(second);
+  const AllAnswers answers = askBoth(second, choice);
   require(isRead(dictionary, written(second)), "a dictionary in use is not read into");
-  require(askBoth(dictionary) == answers, "what was written answers differently");
+  require(askBoth(dictionary, choice) == answers, "what was written answers differently");
   return 0;
 }

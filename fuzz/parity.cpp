@@ -16,6 +16,7 @@
 #include "engine/Recommender.h"
 #include "engine/compile.h"
 #include "fuzz/Bytes.h"
+#include "fuzz/Choice.h"
 #include "fuzz/check.h"
 #include "tests/support/World.h"
 
@@ -36,10 +37,19 @@ enum Traits : int {
   kUnlinked = 32,     // no links are built
 };
 
+// How many sequences a lattice is made of, and of how many items a customer. What is wrong shows in
+// small lattices, mostly, and there is time for many of them.
+struct Extent {
+  int sequences;
+  int items;
+};
+constexpr Extent kSmall = {6, 3}, kLarge = {48, 5};
+
 class Maker {
  public:
-  Maker(const std::uint8_t* data, std::size_t size)
+  Maker(const std::uint8_t* data, std::size_t size, const Extent& extent)
       : bytes_(data, size),
+        extent_(extent),
         traits_(bytes_.byte()),
         items_(1 + bytes_.below(5)),
         dictionary_(smallTables(1 + bytes_.below(kLevels))) {
@@ -79,10 +89,10 @@ class Maker {
     if (store(dictionary_, sequence, given)) stored_.push_back(sequence);
   }
 
-  // A history whose sets all have items, at most five of them.
-  History drawnSequence() {
+  // A history whose sets all have items, at most so many of them.
+  History drawnSequence(int mostItems) {
     History sequence;
-    for (int room = 1 + bytes_.below(5); room > 0;) {
+    for (int room = 1 + bytes_.below(mostItems); room > 0;) {
       Items set;
       for (int n = 1 + bytes_.below(3); n > 0 && room > 0; --n, --room)
         set.push_back(1 + bytes_.below(items_));
@@ -92,35 +102,35 @@ class Maker {
   }
 
   void storeDrawn() {
-    for (int n = bytes_.below(48); n > 0; --n) {
-      const History sequence = drawnSequence();
+    for (int n = bytes_.below(extent_.sequences); n > 0 && !bytes_.isUsedUp(); --n) {
+      const History sequence = drawnSequence(5);
       put(sequence, 1 + bytes_.below(20));
     }
   }
 
   // Every choice of items, set by set.
-  static void addParts(const History& customer, std::set<History>& parts) {
-    parts.insert(History());
-    for (const Items& set : customer) {
-      const std::set<History> shorter = parts;
-      for (unsigned chosen = 1; chosen < 1U << set.size(); ++chosen) {
-        Items part;
-        for (std::size_t k = 0; k < set.size(); ++k)
-          if ((chosen >> k & 1U) != 0) part.push_back(set[k]);
-        for (History sequence : shorter) {
-          sequence.push_back(part);
-          parts.insert(std::move(sequence));
-        }
+  static std::set<History> partsOf(const History& customer) {
+    std::set<History> parts;
+    for (unsigned chosen = 0; chosen < 1U << itemCount(customer); ++chosen) {
+      History part;
+      int at = 0;
+      for (const Items& set : customer) {
+        Items some;
+        for (const std::int32_t item : set)
+          if ((chosen >> at++ & 1U) != 0) some.push_back(item);
+        if (!some.empty()) part.push_back(std::move(some));
       }
+      parts.insert(std::move(part));
     }
+    return parts;
   }
 
   void storeCounted() {
     std::map<History, int> counts;
-    for (int n = bytes_.below(8); n > 0; --n) {
-      std::set<History> parts;
-      addParts(drawnSequence(), parts);
-      for (const History& part : parts) ++counts[part];
+    const auto enough = static_cast<std::size_t>(extent_.sequences);
+    for (int n = bytes_.below(8); n > 0 && counts.size() < enough; --n) {
+      std::set<History> parts = partsOf(drawnSequence(extent_.items));
+      while (!parts.empty()) ++counts[std::move(parts.extract(parts.begin()).value())];
     }
     counts.erase(History());
     const int least = 1 + bytes_.below(3);
@@ -129,7 +139,7 @@ class Maker {
   }
 
   void addLinks() {
-    for (int n = bytes_.below(32); n > 0 && !stored_.empty(); --n) {
+    for (int n = bytes_.below(16); n > 0 && !stored_.empty(); --n) {
       const History& sequence = stored_[static_cast<std::size_t>(bytes_.byte()) % stored_.size()];
       const NTSequence key = packed(sequence);
       auto* const counter = dictionary_.getDescriptor(&key);
@@ -150,6 +160,7 @@ class Maker {
   }
 
   Bytes bytes_;
+  Extent extent_;
   int traits_;
   int items_;
   SequenceDictionary dictionary_;
@@ -184,24 +195,34 @@ void compare(const std::vector<Advice>& dictionarys, const orbseq::engine::Answe
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  Maker maker(data, size);
+  constexpr int kHistories = kAskAll ? 8 : 2;
+  Choice choice(data, size);
+  Maker maker(data, size, choice.among(16).is(0) ? kLarge : kSmall);
   const auto lattice = orbseq::engine::compile(maker.dictionary());
   const orbseq::engine::Recommender recommender(lattice);
   orbseq::engine::Workspace workspace;
-  for (int asked = 0; asked < 2 || (maker.hasMore() && asked < 8); ++asked) {
+  for (int asked = 0; asked < 2 || (maker.hasMore() && asked < kHistories); ++asked) {
     const int maxCount = maker.maxCount();
-    const History history = maker.history(asked == 0 ? 0 : 8);
+    const History history = maker.history(asked == 0 ? 0 : 5);
     orbseq::engine::History sets;
     for (const Items& set : history) sets.addSet(set);
+    const Pick way = choice.among(3);
     orbseq::engine::Answers current, whole, beginnings;
-    recommender.currentItems(sets, maxCount, workspace, current);
-    recommender.futureItems(sets, maxCount, true, workspace, whole);
-    recommender.futureItems(sets, maxCount, false, workspace, beginnings);
-    compare(currentItems(maker.dictionary(), history, maxCount), current, "current items", history);
-    compare(futureItems(maker.dictionary(), history, maxCount, true), whole, "future items",
-            history);
-    compare(futureItems(maker.dictionary(), history, maxCount, false), beginnings,
-            "future items of every beginning", history);
+    if (way.is(0)) {
+      recommender.currentItems(sets, maxCount, workspace, current);
+      compare(currentItems(maker.dictionary(), history, maxCount), current, "current items",
+              history);
+    }
+    if (way.is(1)) {
+      recommender.futureItems(sets, maxCount, true, workspace, whole);
+      compare(futureItems(maker.dictionary(), history, maxCount, true), whole, "future items",
+              history);
+    }
+    if (way.is(2)) {
+      recommender.futureItems(sets, maxCount, false, workspace, beginnings);
+      compare(futureItems(maker.dictionary(), history, maxCount, false), beginnings,
+              "future items of every beginning", history);
+    }
   }
   return 0;
 }
