@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "common/guards.h"
 #include "scoring/hostapi/BaseTranslator.h"
 #include "scoring/hostapi/QuErrorFormater.h"
 #include "scoring/hostapi/QuException.h"
@@ -48,7 +49,8 @@ void DomPlace::refuse(const char16_t* attribute, const std::string& detail) cons
 
 const OrbScore::DomChar* DomPlace::text(const char16_t* attribute) const {
   const OrbScore::DomChar* const found = BaseTranslator::GetAttribute(element_, attribute);
-  if (found == nullptr) refuse(attribute, "attribute missing");
+  if (found == nullptr && guarded("document.missing ", asciiOf(attribute).c_str()))
+    refuse(attribute, "attribute missing");
   return found;
 }
 
@@ -61,7 +63,8 @@ std::int32_t DomPlace::integer(const char16_t* attribute, std::int32_t lowest,
   } catch (const QuException& notAnInteger) {
     refuse(attribute, notAnInteger.what());
   }
-  if (value < lowest || value > highest)
+  if ((value < lowest || value > highest) &&
+      guarded("document.range ", name_, ("/@" + asciiOf(attribute)).c_str()))
     refuse(attribute, std::to_string(value) + " is " + QuErrorFormater::Outside(lowest, highest));
   return value;
 }

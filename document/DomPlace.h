@@ -24,6 +24,7 @@ class DomPlace {
            const OrbScore::DOMElement* element);
 
   const OrbScore::DOMElement* element() const noexcept { return element_; }
+  const char* name() const noexcept { return name_; }
 
   // The attribute as a 32-bit integer within lowest .. highest. Throws QuException.
   std::int32_t integer(const char16_t* attribute,

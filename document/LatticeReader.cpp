@@ -1,11 +1,11 @@
 #include "document/LatticeReader.h"
 
 #include <cstddef>
-#include <limits>
 #include <string>
 #include <utility>
 
 #include "common/Limits.h"
+#include "common/guards.h"
 #include "document/DomPlace.h"
 #include "scoring/hostapi/BaseTranslator.h"
 #include "scoring/hostapi/DictVar.h"
@@ -27,7 +27,6 @@ using SEQUENCE_NAMESPACE_800::SequenceCounter;
 using SEQUENCE_NAMESPACE_800::TimedItemSet;
 
 constexpr std::int32_t kNoItem = -1;  // the reference to a pruned item
-constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
 
 // An element name in the two forms in which it is needed.
 struct Name {
@@ -39,6 +38,12 @@ constexpr Name kItem = {"Item", u"Item"};
 constexpr Name kItemset = {"Itemset", u"Itemset"};
 constexpr Name kLevel = {"LatticeLevel", u"LatticeLevel"};
 constexpr Name kSequence = {"Sequence", u"Sequence"};
+
+// The positions of extensions: joining a set or opening one before, between and behind the sets.
+std::string positionsOf(std::int32_t sets) {
+  const std::string behind = std::to_string(2 * sets + 1);
+  return sets == 0 ? behind : "0.." + std::to_string(2 * sets - 1) + ", " + behind;
+}
 
 std::size_t index(std::int32_t id) { return static_cast<std::size_t>(id) - 1; }
 
@@ -53,7 +58,7 @@ class Reader {
 
   LatticeTables read() {
     const DOMElement* const element = firstBelow(root_.element(), kStatistics);
-    if (element == nullptr)
+    if (element == nullptr && guarded("document.no SeqInputStats"))
       root_.refuse("SeqInputStats not found; a PMML document of rules alone holds no lattice");
     const DomPlace statistics(root_, kStatistics.text, 0, element);
     tables_.numberOfSequences = statistics.integer(u"numberOfSequences");
@@ -74,8 +79,8 @@ class Reader {
                             std::int64_t announced) const {
     if (announced == 0) return nullptr;
     const DOMElement* const first = firstBelow(root_.element(), name);
-    const std::int64_t present = countSiblings(first, name.dom, announced);
-    if (present < announced)
+    const std::int64_t present = kGuards ? countSiblings(first, name.dom, announced) : announced;
+    if (present < announced && guarded("document.announced ", name.text))
       statistics.refuse(attribute, "announces " + std::to_string(announced) + ", " +
                                        std::to_string(present) + " present: " + name.text + " " +
                                        std::to_string(present + 1) + " of " +
@@ -97,8 +102,8 @@ class Reader {
   static const DOMElement* announcedChildren(const DomPlace& place, const char16_t* attribute,
                                              const char16_t* name, std::int64_t count) {
     const DOMElement* const first = BaseTranslator::GetFirstChildElt(place.element());
-    const std::int64_t present = countSiblings(first, name, count);
-    if (present < count)
+    const std::int64_t present = kGuards ? countSiblings(first, name, count) : count;
+    if (present < count && guarded("document.announced in ", place.name()))
       place.refuse(attribute, "announces " + std::to_string(count) + ", " +
                                   std::to_string(present) + " present");
     return first;
@@ -118,7 +123,8 @@ void Reader::readItems(const DomPlace& statistics, std::int32_t count) {
   for (std::int32_t k = 1; k <= count; ++k) {
     const DomPlace item(root_, kItem.text, k, element);
     const std::int32_t id = item.integer(u"id", 1, count);
-    if (given[index(id)]) item.refuse(u"id", "duplicate id " + std::to_string(id));
+    if (given[index(id)] && guarded("document.Item duplicate"))
+      item.refuse(u"id", "duplicate id " + std::to_string(id));
     given[index(id)] = true;
     items_[index(id)] = item.integer(u"value");
     readLabel(item);
@@ -143,7 +149,8 @@ void Reader::readItemSets(const DomPlace& statistics, std::int32_t count) {
   for (std::int32_t k = 1; k <= count; ++k) {
     const DomPlace itemSet(root_, kItemset.text, k, element);
     const std::int32_t id = itemSet.integer(u"id", 1, count);
-    if (itemSets_[index(id)]) itemSet.refuse(u"id", "duplicate id " + std::to_string(id));
+    if (itemSets_[index(id)] && guarded("document.Itemset duplicate"))
+      itemSet.refuse(u"id", "duplicate id " + std::to_string(id));
     itemSets_[index(id)] = readItemSet(itemSet);
     element = BaseTranslator::GetNextSiblingElt(element);
   }
@@ -178,13 +185,12 @@ void Reader::readLevels(const DomPlace& statistics) {
 void Reader::readLevel(const DomPlace& place) {
   const std::int32_t level = place.integer(u"level", 0, tables_.maxSequenceSize);
   auto& table = tables_.levels[static_cast<std::size_t>(level)];
-  if (table) place.refuse(u"level", "duplicate level " + std::to_string(level));
+  if (table && guarded("document.LatticeLevel duplicate"))
+    place.refuse(u"level", "duplicate level " + std::to_string(level));
   const std::int32_t count = place.integer(u"numberOfSequences", 0);
   const DOMElement* element = announcedChildren(place, u"numberOfSequences", kSequence.dom, count);
-  // Count x 1.5, truncated; level 0 holds the empty sequence alone.
+  // Count x 1.5, truncated; level 0 holds the empty sequence alone. So many children are present.
   const std::int64_t capacity = level == 0 ? 2 : static_cast<std::int64_t>(count) * 3 / 2;
-  if (capacity > kMost)
-    place.refuse(u"numberOfSequences", std::to_string(count) + " sequences are too many");
   table = std::make_unique<HashtableSQPair>(static_cast<int>(capacity));
   for (std::int32_t k = 1; k <= count; ++k) {
     readSequence(DomPlace(place, kSequence.text, k, element), *table);
@@ -199,7 +205,8 @@ void Reader::readSequence(const DomPlace& sequence, HashtableSQPair& table) cons
   counter->setCount(sequence.integer(u"occurrence", 0));
   auto key = std::make_unique<NTSequence>(sets, 0);
   readAdjacency(DomPlace(sequence, "SeqAdjacentList", 1, listElement), *key, *counter);
-  if (const std::int32_t most = mostInChain(); table.chainLength(key.get(), most) == most)
+  if (const std::int32_t most = mostInChain();
+      kGuards && table.chainLength(key.get(), most) == most && guarded("document.chain"))
     sequence.refuse("more than " + std::to_string(most) + " sequences of the level share a bucket");
   if (!table.put(key.get(), counter.get())) return;  // an equal one stands; these two are freed
   static_cast<void>(key.release());
@@ -215,14 +222,16 @@ const DOMElement* Reader::readItemsetRefs(const DomPlace& sequence, Sequence& se
     const DomPlace reference(sequence, "ItemsetRef", k, element);
     const auto highest = static_cast<std::int32_t>(itemSets_.size());
     const TimedItemSet& set = *itemSets_[index(reference.integer(u"itemsetRef", 1, highest))];
-    if (set.Size() == 0) reference.refuse(u"itemsetRef", "empty item set in a sequence");
+    if (set.Size() == 0 && guarded("document.empty set"))
+      reference.refuse(u"itemsetRef", "empty item set in a sequence");
     items += set.Size();
-    if (items > NTSequence::kMaxItems)
+    if (items > NTSequence::kMaxItems && guarded("document.items of Sequence"))
       sequence.refuse("more than " + std::to_string(NTSequence::kMaxItems) + " items");
     sets.AddTimedItemSet(&set);
     element = BaseTranslator::GetNextSiblingElt(element);
   }
-  if (element == nullptr) sequence.refuse("list of adjacent items missing");
+  if (element == nullptr && guarded("document.no adjacency"))
+    sequence.refuse("list of adjacent items missing");
   return element;
 }
 
@@ -234,13 +243,13 @@ void Reader::readAdjacency(const DomPlace& list, const NTSequence& key,
     const DomPlace entry(list, "AdjacentItem", k, element);
     const auto highest = static_cast<std::int32_t>(items_.size());
     const std::int32_t reference = entry.integer(u"itemRef", kNoItem, highest);
-    if (reference == 0)
+    if (reference == 0 && guarded("document.AdjacentItem 0"))
       entry.refuse(u"itemRef", "0 is outside 1.." + std::to_string(highest) + " and not -1");
     const std::int32_t position = entry.integer(u"position", 0, 2 * key.getNSets() + 1);
-    if (!key.isPosition(position))
-      entry.refuse(u"position", std::to_string(position) + " joins item set " +
-                                    std::to_string(position / 2) + " of a sequence of " +
-                                    std::to_string(key.getNSets()));
+    if (!key.isPosition(position) && guarded("document.position"))
+      entry.refuse(u"position", std::to_string(position) + " names no extension of a sequence of " +
+                                    std::to_string(key.getNSets()) +
+                                    " item sets (allowed: " + positionsOf(key.getNSets()) + ")");
     if (reference != kNoItem) counter.addAdjacentItem(items_[index(reference)], position);
     element = BaseTranslator::GetNextSiblingElt(element);
   }

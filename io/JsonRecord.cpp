@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <string_view>
 
+#include "common/guards.h"
 #include "io/IoError.h"
 #include "io/LineReader.h"
 #include "io/logTime.h"
@@ -64,7 +65,7 @@ class RecordHandler final : public nlohmann::json_sax<nlohmann::json> {
     return false;
   }
   bool begin() {
-    return ++depth_ <= JsonRecord::kDepth ||
+    return ++depth_ <= JsonRecord::kDepth || !guarded("json.depth") ||
            fail("more than " + std::to_string(JsonRecord::kDepth) +
                 " levels of objects and arrays, the limit");
   }
@@ -81,11 +82,12 @@ class RecordHandler final : public nlohmann::json_sax<nlohmann::json> {
 };
 
 bool RecordHandler::complete() {
-  if (!has_[kCustomer]) return fail("no member \"customer\"");
-  if (has_[kHistory] == has_[kBaskets])
+  if (!has_[kCustomer] && guarded("json.no customer")) return fail("no member \"customer\"");
+  if (has_[kHistory] == has_[kBaskets] && guarded("json.history"))
     return fail(has_[kHistory] ? "both \"history\" and \"baskets\"" : "no member \"history\"");
-  if (has_[kTimes] && has_[kHistory]) return fail("\"times\" belong to \"baskets\"");
-  return !has_[kTimes] || out_.times->size() == out_.baskets.size() ||
+  if (has_[kTimes] && has_[kHistory] && guarded("json.times of history"))
+    return fail("\"times\" belong to \"baskets\"");
+  return !has_[kTimes] || out_.times->size() == out_.baskets.size() || !guarded("json.times") ||
          fail(std::to_string(out_.times->size()) + " times for " +
               std::to_string(out_.baskets.size()) + " baskets");
 }
@@ -96,12 +98,14 @@ bool RecordHandler::key(string_t& name) {
   for (std::size_t i = 0; i < kNames.size(); ++i)
     if (name == kNames[i]) member_ = static_cast<Member>(i);
   if (member_ == kOther) return true;
-  if (has_[member_]) return fail("the member \"" + name + "\" stands twice");
+  if (has_[member_] && guarded("json.member twice"))
+    return fail("the member \"" + name + "\" stands twice");
   has_[member_] = true;
   return true;
 }
 
 bool RecordHandler::wrongKind(const char* kind) {
+  if (member_ >= kOther || !guarded("json.kind of ", kNames[member_])) return true;
   switch (member_) {
     case kCustomer:
       return fail(std::string("the customer is text or a number, not ") + kind);
@@ -119,7 +123,8 @@ bool RecordHandler::wrongKind(const char* kind) {
 
 // A value that is neither text nor number.
 bool RecordHandler::value(const char* kind) {
-  if (depth_ == 0) return fail(std::string("an object is wanted, not ") + kind);
+  if (depth_ == 0 && guarded("json.object"))
+    return fail(std::string("an object is wanted, not ") + kind);
   return wrongKind(kind);
 }
 
@@ -129,7 +134,7 @@ bool RecordHandler::string(string_t& text) {
   const bool isKept =
       isItem || (depth_ == kInObject && (member_ == kCustomer || member_ == kHistory));
   if (!isKept) return value("text");
-  if (text.find('\0') != std::string::npos)
+  if (text.find('\0') != std::string::npos && guarded("json.NUL"))
     return fail(std::string("the ") + (isItem ? "item" : kNames[member_]) + " holds a NUL");
   if (isItem) return basketItem(std::move(text));
   if (member_ == kCustomer)
@@ -140,13 +145,13 @@ bool RecordHandler::string(string_t& text) {
 }
 
 bool RecordHandler::basketItem(std::string text) {
-  if (text.empty()) return fail("an item is empty");
+  if (text.empty() && guarded("json.no item")) return fail("an item is empty");
   out_.baskets.back().push_back(std::move(text));
   return true;
 }
 
 bool RecordHandler::time(std::optional<double> time, const std::string& text) {
-  if (!time)
+  if (!time && guarded("json.time"))
     return fail("time " + OrbScore::QuErrorFormater::Quote(text) +
                 " is neither a number nor a date and time");
   out_.times->push_back(*time);
@@ -155,7 +160,7 @@ bool RecordHandler::time(std::optional<double> time, const std::string& text) {
 
 bool RecordHandler::historyItem(number_integer_t number) {
   using Item = std::numeric_limits<std::int32_t>;
-  if (number < Item::min() || number > Item::max())
+  if ((number < Item::min() || number > Item::max()) && guarded("json.history item"))
     return fail("item " + std::to_string(number) + " outside -2147483648..2147483647");
   if (out_.history->back() != '(') *out_.history += ' ';
   *out_.history += std::to_string(static_cast<std::uint32_t>(number));
@@ -170,9 +175,10 @@ bool RecordHandler::integer(number_integer_t number) {
 
 bool RecordHandler::real(const std::string& digits) {
   if (member_ == kTimes && depth_ == kInList) return time(logTimeOf(digits), digits);
-  if (isInSetOf(kHistory))
+  if (isInSetOf(kHistory) && guarded("json.real in history"))
     return fail("item " + digits.substr(0, 64) + " is not an integer of 32 bits");
-  if (isInSetOf(kBaskets)) return fail("item " + digits.substr(0, 64) + " is no integer");
+  if (isInSetOf(kBaskets) && guarded("json.real in basket"))
+    return fail("item " + digits.substr(0, 64) + " is no integer");
   if (member_ != kCustomer || depth_ != kInObject) return value("a number");
   out_.customer = digits;
   return true;
@@ -186,7 +192,8 @@ bool RecordHandler::start_object(std::size_t) {
 bool RecordHandler::start_array(std::size_t) {
   const bool isList = member_ == kHistory || member_ == kBaskets || member_ == kTimes;
   if (!isList || depth_ == 0) return value("an array") && begin();
-  if (depth_ >= kInSet || (depth_ == kInList && member_ == kTimes))
+  if ((depth_ >= kInSet || (depth_ == kInList && member_ == kTimes)) &&
+      guarded("json.deeper array"))
     return wrongKind("a deeper array");
   if (depth_ == kInList && member_ == kBaskets) out_.baskets.emplace_back();
   if (depth_ == kInList && member_ == kHistory) *out_.history += '(';
@@ -223,7 +230,8 @@ bool nextJsonRecord(LineReader& lines, JsonRecord& out) {
   out = JsonRecord();
   RecordHandler handler(out);
   const std::string_view line = lines.line();
-  if (!nlohmann::json::sax_parse(line.begin(), line.end(), &handler) || !handler.complete())
+  if ((!nlohmann::json::sax_parse(line.begin(), line.end(), &handler) || !handler.complete()) &&
+      guarded("json.line"))
     throw InputError(lines.source().name(), lines.number(), handler.error());
   return true;
 }

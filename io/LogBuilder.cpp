@@ -6,12 +6,14 @@
 #include <tuple>
 #include <utility>
 
+#include "common/guards.h"
+
 namespace orbseq {
 
 namespace {
 
 void checkSize(std::string_view text, const char* what) {
-  if (text.size() > LogBuilder::kMostTextBytes)
+  if (text.size() > LogBuilder::kMostTextBytes && guarded("log.text bytes"))
     throw LogBuilder::Full(std::string("the ") + what + " is longer than " +
                            std::to_string(LogBuilder::kMostTextBytes) + " bytes, the limit");
 }
@@ -37,7 +39,7 @@ std::int64_t LogBuilder::textCodeOf(std::string_view item) {
   hasText_ = true;
   const auto known = textIndex_.find(item);
   if (known != textIndex_.end()) return -1 - std::int64_t{known->second};
-  if (texts_.size() == options_.mostTexts)
+  if (texts_.size() == options_.mostTexts && guarded("log.texts"))
     throw Full("more than " + std::to_string(options_.mostTexts) +
                " different items are texts, the limit");
   checkSize(item, "item");

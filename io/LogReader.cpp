@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "common/guards.h"
 #include "io/CsvReader.h"
 #include "io/IoError.h"
 #include "io/LogReading.h"
@@ -20,7 +21,7 @@ bool hasHistories(const CsvReader& rows, const LogOptions& options) {
     return std::find(rows.columns().begin(), rows.columns().end(), name) != rows.columns().end();
   };
   if (has(options.item)) return false;
-  if (!has(kHistoryColumn))
+  if (!has(kHistoryColumn) && guarded("log.no item column"))
     throw InputError(rows.name(), rows.row(),
                      "neither a column " + OrbScore::QuErrorFormater::Quote(options.item) +
                          " nor a column \"history\"" + listOfColumns(rows.columns()));

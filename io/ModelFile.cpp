@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "common/guards.h"
 #include "common/messages.h"
 #include "document/LatticeReader.h"
 #include "engine/compile.h"
@@ -137,7 +138,7 @@ void forEachEntry(const Lattice& lattice, Each each) {
 // A document would not take a negative count, and no answer makes sense of one.
 void checkCounts(const std::string& name, const Lattice& lattice) {
   forEachEntry(lattice, [&name](std::int32_t level, const ISQCPair& entry) {
-    if (entry.value != nullptr && entry.value->getCount() < 0)
+    if (entry.value != nullptr && entry.value->getCount() < 0 && guarded("model.count"))
       throw InputError(name, 0,
                        "level " + std::to_string(level) + ": a count of " +
                            std::to_string(entry.value->getCount()) + " is outside 0..2147483647");
@@ -164,7 +165,7 @@ std::unique_ptr<Lattice> readBinary(SourceStream& source) {
     source.throwIfUnreadable();
     throw InputError(source.name(), 0, owned->what());
   }
-  if (source.peek() != std::char_traits<char>::eof())
+  if (source.peek() != std::char_traits<char>::eof() && guarded("model.bytes behind"))
     throw InputError(
         source.name(), 0,
         "offset " + std::to_string(source.offset()) + ": bytes after the end of the lattice");
@@ -180,19 +181,21 @@ std::unique_ptr<Lattice> readObjectXml(SourceStream& source) {
   auto lattice = std::make_unique<Lattice>();
   std::uint64_t lines = 0;
   try {
-    if (!OrbXML_830::ParseStartXML(source))
+    if (!OrbXML_830::ParseStartXML(source) && guarded("model.no object-XML"))
       refuseObjectXml(source, "no stream of objects in XML begins here");
     lines = lattice->readObjectXML(source);
   } catch (SeqExceptions::IOException* error) {
     const std::unique_ptr<SeqExceptions::IOException> owned(error);
     refuseObjectXml(source, owned->what());
   }
-  if (lines == 0) refuseObjectXml(source, "this is not what should stand here");
+  if (lines == 0 && guarded("model.object-XML"))
+    refuseObjectXml(source, "this is not what should stand here");
   std::string rest;
   std::getline(source, rest);
   rest.resize(rest.find_last_not_of(" \t\r") + 1);
-  if (rest != std::string("</") + kObjectXmlRoot + ">" ||
-      source.peek() != std::char_traits<char>::eof())
+  if ((rest != std::string("</") + kObjectXmlRoot + ">" ||
+       source.peek() != std::char_traits<char>::eof()) &&
+      guarded("model.lines behind"))
     refuseObjectXml(source, "the stream should end after the lattice");
   return lattice;
 }
@@ -206,7 +209,7 @@ ModelForm formOf(SourceStream& source) {
 
 Model modelIn(const std::string& path, SourceStream& source, ModelForm form,
               const OrbScore::DocumentLimits& limits) {
-  if (form == ModelForm::kCompiled)
+  if (form == ModelForm::kCompiled && guarded("model.compiled"))
     throw InputError(source.name(), 0,
                      "a compiled form holds no lattice; it can be scored with, from a file");
   Model model;

@@ -6,6 +6,7 @@
 #include <new>
 #include <vector>
 
+#include "common/guards.h"
 #include "common/utf8.h"
 #include "host/EnvironmentError.h"
 #include "io/IoError.h"
@@ -20,7 +21,6 @@ namespace {
 
 constexpr int kStepsBetweenLooks = 100'000;  // of SQLite's machine; some milliseconds
 constexpr int kBusyMilliseconds = 500;
-constexpr int kMostBytes = 16 << 20;  // of a text, or of a row
 
 bool isCompressed(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
@@ -60,7 +60,7 @@ class SqliteQuery::Connection {
 
   bool next() {
     const int status = sqlite3_step(statement_.get());
-    if (status != SQLITE_ROW && status != SQLITE_DONE) fail(status);
+    if (status != SQLITE_ROW && status != SQLITE_DONE && guarded("sqlite.step")) fail(status);
     return status == SQLITE_ROW;
   }
 
@@ -84,7 +84,7 @@ class SqliteQuery::Connection {
   void openCopy(TextSource& source) {
     std::string bytes;
     for (auto block = source.next(); !block.empty(); block = source.next()) {
-      if (bytes.size() + block.size() > kMostMemory)
+      if (bytes.size() + block.size() > kMostMemory && guarded("sqlite.memory"))
         throw InputError(name_, 0,
                          "the database is larger than " + std::to_string(kMostMemory) +
                              " bytes, the limit for compressed files and standard input");
@@ -102,17 +102,20 @@ class SqliteQuery::Connection {
   }
 
   void prepare(const std::string& sql) {
-    if (sql.empty()) throw InputError(name_, 0, "a database wants a query");
+    if (sql.empty() && guarded("sqlite.no query"))
+      throw InputError(name_, 0, "a database wants a query");
     sqlite3_stmt* made = nullptr;
     const char* rest = nullptr;
     const int status =
         sqlite3_prepare_v2(database_.get(), sql.data(), static_cast<int>(sql.size()), &made, &rest);
     statement_.reset(made);
-    if (status != SQLITE_OK) fail(status);
+    if (status != SQLITE_OK && guarded("sqlite.query")) fail(status);
     const std::string_view behind(rest, static_cast<std::size_t>(sql.data() + sql.size() - rest));
-    if (made == nullptr || behind.find_first_not_of(" \t\r\n;") != std::string_view::npos)
+    if ((made == nullptr || behind.find_first_not_of(" \t\r\n;") != std::string_view::npos) &&
+        guarded("sqlite.statements"))
       throw InputError(name_, 0, "the query should be one statement");
-    if (sqlite3_stmt_readonly(made) == 0 || sqlite3_column_count(made) == 0)
+    if ((sqlite3_stmt_readonly(made) == 0 || sqlite3_column_count(made) == 0) &&
+        guarded("sqlite.writes"))
       throw InputError(name_, 0, "the query should answer rows and write nothing");
     for (int i = 0; i < sqlite3_column_count(made); ++i) {
       const char* const name = sqlite3_column_name(made, i);
@@ -160,7 +163,8 @@ bool SqliteQuery::next() {
   ++row_;
   for (std::size_t i = 0; i < connection_->columns().size(); ++i) {
     const std::string_view text = field(i);
-    if (firstInvalidUtf8(text) != std::string_view::npos || text.find('\0') != text.npos)
+    if ((firstInvalidUtf8(text) != std::string_view::npos || text.find('\0') != text.npos) &&
+        guarded("sqlite.text"))
       throw InputError(name(), row_, i + 1, "the text is no UTF-8, or holds a NUL");
   }
   return true;

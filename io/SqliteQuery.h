@@ -22,6 +22,7 @@ namespace orbseq {
 class SqliteQuery {
  public:
   static constexpr std::size_t kMostMemory = std::size_t{4} << 30U;
+  static constexpr int kMostBytes = 16 << 20;  // of a text, and of a row
 
   SqliteQuery(const std::string& path, const std::string& sql);
   ~SqliteQuery();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "common/guards.h"
 #include "io/IoError.h"
 #include "scoring/hostapi/QuErrorFormater.h"
 
@@ -20,7 +21,8 @@ std::size_t columnIndex(const std::vector<std::string>& columns, std::string_vie
                         const std::string& file, std::size_t row) {
   const auto first = std::find(columns.begin(), columns.end(), name);
   const auto found = std::count(first, columns.end(), name);
-  if (found == 1) return static_cast<std::size_t>(first - columns.begin());
+  const bool isUsable = found == 1 || (found > 1 && !guarded("log.columns of one name"));
+  if (isUsable) return static_cast<std::size_t>(first - columns.begin());
   throw InputError(file, row,
                    (found == 0 ? "no column " : "more than one column ") +
                        OrbScore::QuErrorFormater::Quote(name) + listOfColumns(columns));

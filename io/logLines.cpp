@@ -6,6 +6,7 @@
 #include <system_error>
 #include <vector>
 
+#include "common/guards.h"
 #include "common/utf8.h"
 #include "io/IoError.h"
 #include "io/LineReader.h"
@@ -26,8 +27,9 @@ struct BadByte {
 BadByte badByteIn(std::string_view line) noexcept {
   const std::size_t invalid = firstInvalidUtf8(line);
   const std::size_t nul = line.substr(0, invalid).find('\0');
-  if (nul != std::string_view::npos) return {nul + 1, "the text holds a NUL"};
-  if (invalid != std::string_view::npos) return {invalid + 1, "the text is no UTF-8"};
+  if (nul != std::string_view::npos && guarded("log.NUL")) return {nul + 1, "the text holds a NUL"};
+  if (invalid != std::string_view::npos && guarded("log.UTF-8"))
+    return {invalid + 1, "the text is no UTF-8"};
   return {};
 }
 
@@ -77,7 +79,7 @@ class SpmfLine {
       else
         readItem(word);
     }
-    refuse("the line does not end with -2");
+    if (guarded("spmf.end")) refuse("the line does not end with -2");
   }
 
  private:
@@ -86,22 +88,23 @@ class SpmfLine {
   }
 
   void end() {
-    if (isInSet_) refuse("-2 stands where -1 should end the item set");
-    if (!words_.next().empty()) refuse("text behind -2");
+    if (isInSet_ && guarded("spmf.open set")) refuse("-2 stands where -1 should end the item set");
+    if (!words_.next().empty() && guarded("spmf.behind the end")) refuse("text behind -2");
   }
 
   void readTime(std::string_view word) {
     const auto time = word.size() > 2 && word.back() == '>'
                           ? logTimeOf(word.substr(1, word.size() - 2))
                           : std::nullopt;
-    if (!time || isInSet_) refuse(quoted(word) + " is no time before an item set");
+    if ((!time || isInSet_) && guarded("spmf.time"))
+      refuse(quoted(word) + " is no time before an item set");
     time_ = *time;
     hasTime_ = true;
   }
 
   void readItem(std::string_view word) {
     const auto item = integerOf(word);
-    if (!item || *item < 0) refuse(quoted(word) + kNoInteger);
+    if ((!item || *item < 0) && guarded("spmf.item")) refuse(quoted(word) + kNoInteger);
     if (!isInSet_) builder_.beginBasket(hasTime_ ? time_ : ++time_);
     isInSet_ = true;
     builder_.addItem(*item);
@@ -164,7 +167,7 @@ void readBaskets(const std::string& path, LogReading& reading) {
       continue;
     }
     const auto time = logTimeOf(words.next());
-    if (!time) {
+    if (!time && guarded("basket.time")) {
       refuse("the second word is neither a number nor a date and time");
       continue;
     }
@@ -172,14 +175,15 @@ void readBaskets(const std::string& path, LogReading& reading) {
     std::vector<std::string_view> items;
     for (std::string_view word = words.next(); !word.empty(); word = words.next())
       items.push_back(word);
-    if (!size || *size < 0 || static_cast<std::size_t>(*size) != items.size()) {
+    if ((!size || *size < 0 || static_cast<std::size_t>(*size) != items.size()) &&
+        guarded("basket.size")) {
       refuse("the third word should be the number of items, " + std::to_string(items.size()));
       continue;
     }
     const auto bad = std::find_if_not(items.begin(), items.end(), [&](std::string_view item) {
       return reading.builder().accepts(item);
     });
-    if (bad != items.end()) {
+    if (bad != items.end() && guarded("basket.item")) {
       refuse(quoted(*bad) + kNoInteger);
       continue;
     }

@@ -3,6 +3,7 @@
 #include <string_view>
 #include <utility>
 
+#include "common/guards.h"
 #include "io/CsvReader.h"
 #include "io/LogReading.h"
 #include "io/SqliteQuery.h"
@@ -38,14 +39,14 @@ void addRow(const Rows& row, const Columns& columns, LogReading& reading) {
   };
   const auto when = logTimeOf(row.field(columns.time));
   const std::string_view item = row.field(columns.item);
-  if (row.field(columns.customer).empty())
+  if (row.field(columns.customer).empty() && guarded("row.customer"))
     refuse(columns.customer, "the customer is empty");
-  else if (!when)
+  else if (!when && guarded("row.time"))
     refuse(columns.time,
            quoted(row.field(columns.time)) + " is neither a number nor a date and time");
-  else if (item.empty())
+  else if (item.empty() && guarded("row.no item"))
     refuse(columns.item, "the item is empty");
-  else if (!reading.builder().accepts(item))
+  else if (!reading.builder().accepts(item) && guarded("row.item"))
     refuse(columns.item, quoted(item) + kNoInteger);
   else {
     reading.add({row.name(), row.row(), columns.item + 1}, [&] {
@@ -60,7 +61,7 @@ void readHistories(CsvReader& reader, LogReading& reading) {
   const std::size_t history = reader.columnOf(kHistoryColumn);
   while (reader.next()) {
     reading.counted(reader.bytesRead(), reader.size());
-    if (reader.field(customer).empty())
+    if (reader.field(customer).empty() && guarded("row.history customer"))
       reading.refuse({reader.name(), reader.row(), customer + 1}, "the customer is empty");
     else
       reading.addHistory({reader.name(), reader.row(), history + 1}, reader.field(customer),

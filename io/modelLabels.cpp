@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "common/Limits.h"
+#include "common/guards.h"
 #include "io/AtomicFile.h"
 #include "io/CsvReader.h"
 #include "io/IoError.h"
@@ -69,7 +70,7 @@ void addLabelsBeside(const std::string& modelPath, ItemLabelMap& labels) {
   const std::size_t label = reader.columnOf("label");
   while (reader.next()) {
     const auto number = itemOf(reader.field(item));
-    if (!number)
+    if (!number && guarded("labels.item"))
       throw InputError(reader.name(), reader.row(), item + 1,
                        "the item is no number in -2147483648..2147483647");
     if (!reader.field(label).empty()) labels.emplace(*number, reader.field(label));

@@ -5,6 +5,7 @@
 #include <ostream>
 #include <string>
 
+#include "common/guards.h"
 #include "common/messages.h"
 #include "sequence/BinaryReader.h"
 #include "sequence/SeqExceptions.h"
@@ -12,6 +13,8 @@
 #include "xml/XMLObj.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
+
+using orbseq::guarded;
 
 namespace {
 
@@ -25,7 +28,7 @@ std::string faultOf(const SeqDictionarySettings& settings) {
   const std::string range = " is outside 1..";
   const auto faultOfSize = [&range](const std::string& name, std::int32_t size) {
     constexpr std::int32_t kMost = SeqDictionarySettings::kMaxStoredBuckets;
-    return size >= 1 && size <= kMost
+    return (size >= 1 && size <= kMost) || !guarded("settings.table size")
                ? std::string()
                : name + " " + std::to_string(size) + range + std::to_string(kMost);
   };
@@ -37,12 +40,13 @@ std::string faultOf(const SeqDictionarySettings& settings) {
   std::string fault = faultOfSize("table size of upper levels", settings.upperTableSize);
   if (!fault.empty()) return fault;
   const std::int32_t levels = settings.numLevels;
-  if (levels < 1 || levels > SeqDictionarySettings::kMaxStoredLevels)
+  if ((levels < 1 || levels > SeqDictionarySettings::kMaxStoredLevels) &&
+      guarded("settings.number of levels"))
     return "number of levels " + std::to_string(levels) + range +
            std::to_string(SeqDictionarySettings::kMaxStoredLevels);
   std::int64_t buckets = 0;
   for (std::int32_t i = 0; i < levels; ++i) buckets += settings.tableSizeOf(i);
-  if (buckets > SeqDictionarySettings::kMaxStoredBuckets)
+  if (buckets > SeqDictionarySettings::kMaxStoredBuckets && guarded("settings.all buckets"))
     return "sum of all table sizes " + std::to_string(buckets) + range +
            std::to_string(SeqDictionarySettings::kMaxStoredBuckets);
   return {};

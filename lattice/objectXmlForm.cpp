@@ -6,6 +6,7 @@
 #include <ostream>
 #include <string>
 
+#include "common/guards.h"
 #include "common/messages.h"
 #include "lattice/SequenceDictionary.h"
 #include "sequence/HashtableSQPair.h"
@@ -14,6 +15,7 @@
 
 namespace SEQUENCE_NAMESPACE_800 {
 
+using orbseq::guarded;
 using OrbXML_830::ParseEndObj;
 using OrbXML_830::ParseStartObj;
 using OrbXML_830::ParseValue;
@@ -62,7 +64,8 @@ std::uint64_t SequenceDictionary::readObjectXML(std::istream& is, const char* na
   if (!isHead) return 0;
   SeqDictionarySettings settings;
   std::uint64_t total = kReadHeadLines + settings.readObjectXML(is);
-  if (largest < -1 || largest >= settings.numLevels) return 0;
+  if ((largest < -1 || largest >= settings.numLevels) && guarded("objectXml.largest level"))
+    return 0;
 
   createDictionary(settings);
   latticeBuilt_ = isBuilt == 1;

@@ -4,6 +4,7 @@
 #include <memory>
 #include <utility>
 
+#include "common/guards.h"
 #include "document/DomPlace.h"
 #include "document/LatticeReader.h"
 #include "scoring/SequentialAssocModel.h"
@@ -46,7 +47,8 @@ OrbScore::ScoreModel* SequentialTranslator::ParseFromTree(DOMElement* modelEleme
                                                           const std::string& encoding) {
   OrbScore::ScoringLog& log = OrbScore::ScoringLog::GetInstance();
   log.TraceText(kTraceLevel, "Enter:%s", kParse);
-  if (modelElement == nullptr) throw OrbScore::QuException("lattice refused: no model element");
+  if (modelElement == nullptr && orbseq::guarded("document.no element"))
+    throw OrbScore::QuException("lattice refused: no model element");
   CreateTranscoder(encoding);
   const DomPlace document("document element", GetRootElt(modelElement));
   const OrbScore::VersionInfo version(GetTranscoder().transcodeTo(document.text(u"version")));

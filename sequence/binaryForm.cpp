@@ -16,6 +16,7 @@
 #include <utility>
 
 #include "common/Limits.h"
+#include "common/guards.h"
 #include "sequence/BinaryReader.h"
 #include "sequence/HashtableSQPair.h"
 #include "sequence/NTSequence.h"
@@ -25,6 +26,7 @@
 
 namespace SEQUENCE_NAMESPACE_800 {
 
+using orbseq::guarded;
 using orbseq::Message;
 
 namespace {
@@ -116,7 +118,7 @@ void NTSequence::readStored(BinaryReader& reader, Strictness strictness) {
   const std::int32_t sets = reader.integer("set count");
   // Deliberate: alone, a count below 1 reads no items and is no error.
   const bool isEmpty = count < 1 && !isStrict;
-  if (!isEmpty && !isPattern(pattern, count, sets))
+  if (!isEmpty && !isPattern(pattern, count, sets) && guarded("binary.pattern"))
     reader.refuse("set count", std::to_string(sets) + " sets do not fit the pattern " +
                                    std::to_string(pattern) + " of " + std::to_string(count) +
                                    " items");
@@ -183,7 +185,8 @@ std::unique_ptr<SequenceCounter::AdjacentItems> SequenceCounter::readAdjacency(
   {
     count = reader.integer("number of adjacent items");
     const BinaryReader::Object object(reader, Message::kReadingAdjacency);
-    if (count < 0) reader.refuse("number of adjacent items", std::to_string(count) + " is below 0");
+    if (count < 0 && guarded("binary.adjacency count"))
+      reader.refuse("number of adjacent items", std::to_string(count) + " is below 0");
   }
   if (count == 0) return nullptr;
   auto adjacent = std::make_unique<AdjacentItems>();
@@ -198,7 +201,7 @@ std::unique_ptr<SequenceCounter::AdjacentItems> SequenceCounter::readAdjacency(
 std::unique_ptr<StatsBucket> SequenceCounter::readStatistics(BinaryReader& reader) {
   const std::int32_t flag = reader.integer("statistics flag");
   if (flag == 0) return nullptr;
-  if (flag < 0) {
+  if (flag < 0 && guarded("binary.statistics flag")) {
     const BinaryReader::Object object(reader, Message::kReadingStatistics);
     reader.refuse("statistics flag", std::to_string(flag) + " is below 0");
   }
@@ -237,9 +240,11 @@ std::uint64_t HashtableSQPair::readObject(BinaryReader& reader) {
     total += key->readObject(reader);
     auto counter = std::make_unique<SequenceCounter>();
     total += counter->readObject(reader);
-    if (!fits(*key, *counter))
-      reader.refuse("adjacent position", "names no extension of the sequence");
-    if (const std::int32_t most = orbseq::mostInChain(); chainLength(key.get(), most) == most)
+    if (orbseq::kGuards && !fits(*key, *counter) && guarded("binary.position"))
+      reader.refuse("adjacent position", "names no extension of a sequence of " +
+                                             std::to_string(key->getNSets()) + " item sets");
+    if (const std::int32_t most = orbseq::mostInChain();
+        orbseq::kGuards && chainLength(key.get(), most) == most && guarded("binary.chain"))
       reader.refuse("items",
                     "more than " + std::to_string(most) + " sequences of the level share a bucket");
     putOverwrite(key.get(), counter.get());

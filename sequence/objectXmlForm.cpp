@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "common/Limits.h"
+#include "common/guards.h"
 #include "common/messages.h"
 #include "sequence/HashtableSQPair.h"
 #include "sequence/NTSequence.h"
@@ -20,6 +21,7 @@
 
 namespace SEQUENCE_NAMESPACE_800 {
 
+using orbseq::guarded;
 using orbseq::Message;
 using OrbXML_830::ParseEndObj;
 using OrbXML_830::ParseStartObj;
@@ -46,7 +48,9 @@ std::uint64_t sequenceLines(std::int32_t items) { return 5 + static_cast<std::ui
 bool parseLong(std::istream& is, std::int32_t& value) {
   using Range = std::numeric_limits<std::int32_t>;
   long number = 0;
-  if (!ParseValue(is, number) || number < Range::min() || number > Range::max()) return false;
+  if (!ParseValue(is, number)) return false;
+  if ((number < Range::min() || number > Range::max()) && guarded("objectXml.pattern range"))
+    return false;
   value = static_cast<std::int32_t>(number);
   return true;
 }
@@ -98,11 +102,13 @@ std::uint64_t NTSequence::readObjectXML(std::istream& is) {
   std::array<std::int32_t, kMaxItems> items;
   stored.items = items.data();
   bool ok = ParseStartObj(is, kSequence) && parseLong(is, stored.pattern) &&
-            ParseValue(is, stored.itemCount) && stored.itemCount <= kMaxItems;
+            ParseValue(is, stored.itemCount) &&
+            !(stored.itemCount > kMaxItems && guarded("objectXml.item count"));
   for (std::int32_t i = 0; ok && i < stored.itemCount; ++i)
     ok = ParseValue(is, items[static_cast<std::size_t>(i)]);
   ok = ok && ParseValue(is, stored.setCount) && ParseEndObj(is) &&
-       isStorable(stored.itemCount, stored.setCount, stored.pattern);
+       (isStorable(stored.itemCount, stored.setCount, stored.pattern) ||
+        !guarded("objectXml.pattern"));
   if (!ok) return failed(Message::kReadingSequence, is);
   becomeStored(stored);
   return sequenceLines(itemCount_);
@@ -139,7 +145,8 @@ std::uint64_t SequenceCounter::readObjectXML(std::istream& is) {
   std::int32_t pairs = 0;
   bool ok = ParseStartObj(is, kCounter) && ParseValue(is, count) && ParseValue(is, ordinal) &&
             ParseValue(is, maxMissed) && ParseValue(is, pairs);
-  if (ok && pairs < 0) return failed(Message::kReadingAdjacency, is);
+  if (ok && pairs < 0 && guarded("objectXml.adjacency count"))
+    return failed(Message::kReadingAdjacency, is);
   auto adjacent = pairs > 0 ? std::make_unique<AdjacentItems>() : nullptr;
   for (std::int32_t i = 0; ok && i < pairs; ++i) {
     std::int32_t item = 0;
@@ -150,7 +157,8 @@ std::uint64_t SequenceCounter::readObjectXML(std::istream& is) {
   std::int32_t flag = 0;
   ok = ok && ParseValue(is, flag);
   if (!ok) return failed(Message::kReadingCounter, is);
-  if (flag < 0) return failed(Message::kReadingStatistics, is);
+  if (flag < 0 && guarded("objectXml.statistics flag"))
+    return failed(Message::kReadingStatistics, is);
   auto stats = flag > 0 ? std::make_unique<StatsBucket>() : nullptr;
   if (stats && stats->readObjectXML(is) == 0) return 0;  // the message is printed
   if (!ParseEndObj(is)) return failed(Message::kReadingCounter, is);
@@ -189,8 +197,10 @@ std::uint64_t HashtableSQPair::readObjectXML(std::istream& is) {
     if (keyLines == 0) return 0;
     auto counter = std::make_unique<SequenceCounter>();
     const std::uint64_t counterLines = counter->readObjectXML(is);
-    if (counterLines == 0 || !fits(*key, *counter)) return 0;
-    if (const std::int32_t most = orbseq::mostInChain(); chainLength(key.get(), most) == most)
+    if (counterLines == 0) return 0;
+    if (orbseq::kGuards && !fits(*key, *counter) && guarded("objectXml.position")) return 0;
+    if (const std::int32_t most = orbseq::mostInChain();
+        orbseq::kGuards && chainLength(key.get(), most) == most && guarded("objectXml.chain"))
       return 0;
     putOverwrite(key.get(), counter.get());
     static_cast<void>(key.release());

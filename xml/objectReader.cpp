@@ -12,10 +12,13 @@
 #include <string_view>
 
 #include "common/OrbMV.h"
+#include "common/guards.h"
 #include "xml/LineTokenizer.h"
 #include "xml/XMLObj.h"
 
 namespace OrbXML_830 {
+
+using orbseq::guarded;
 
 namespace {
 
@@ -34,7 +37,7 @@ class Line {
   // False when nothing is left, or when the line is too long. A last line needs no line feed.
   bool read(std::istream& is) {
     is.getline(text_.data(), static_cast<std::streamsize>(text_.size()));
-    return !is.fail();
+    return !is.fail() || !guarded("objectXml.line");
   }
   std::string_view text() const { return text_.data(); }
   bool isEmpty() const { return text().empty() || text() == "\r"; }
@@ -103,7 +106,8 @@ bool ParseStartObj(std::istream& is, const std::string& name) {
   if (line.isEmpty() && !line.read(is)) return false;
   LineTokenizer tokens(line.text());
   return tokens.nextIs("Obj", kNameSeparators) && tokens.nextIs("name", kNameSeparators) &&
-         tokens.nextIs(name, kQuote) && tokens.rest().find('>') != std::string_view::npos;
+         tokens.nextIs(name, kQuote) &&
+         (tokens.rest().find('>') != std::string_view::npos || !guarded("objectXml.unclosed tag"));
 }
 
 bool ParseEndObj(std::istream& is) { return lineStartsWith(is, "/Obj", kEndSeparators); }
@@ -112,7 +116,7 @@ bool ParseValue(std::istream& is, bool& value) {
   const auto text = numberOf(is, "Int");
   if (!text) return false;
   const int number = toInt(*text);
-  if (number != 0 && number != 1) return false;
+  if (number != 0 && number != 1 && guarded("objectXml.bool")) return false;
   value = number == 1;
   return true;
 }

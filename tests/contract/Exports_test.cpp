@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,14 @@ std::vector<std::string> linesOf(const std::string& command) {
     if (!lines.back().empty() && lines.back().back() == '\n') lines.back().pop_back();
   }
   return lines;
+}
+
+// A mangled name of one of our namespaces, or of a table of such a class.
+bool isOurs(const std::string& name) {
+  static const std::regex kOurs(
+      "_Z(N|NK|T.N)(22SEQUENCE_NAMESPACE_800|10OrbXML_830|13OrbCommon_830|14OrbQuillon_830|"
+      "8OrbScore|6orbseq).*");
+  return std::regex_match(name, kOurs);
 }
 
 std::vector<std::string> symbols(const std::string& which) {
@@ -51,6 +60,16 @@ TEST(Exports, NothingInternalIsThere) {
   for (const char* name :
        {"LatticeReader", "DomPlace", "Scanner", "engine::Query", "readCaseFields", "Candidates"})
     EXPECT_THAT(symbols("--defined-only"), Not(Contains(HasSubstr(name)))) << name;
+}
+
+TEST(Exports, NothingOfOthersIsThere) {
+  for (const char* library : {ORBSEQ_MODULE, ORBSEQ_HOST}) {
+    const std::vector<std::string> defined =
+        linesOf("nm -D --defined-only '" + std::string(library) + "' | cut -c20-");
+    ASSERT_GT(defined.size(), 100U) << library;
+    for (const std::string& name : defined)
+      EXPECT_TRUE(name == "GiveMyTranslator" || isOurs(name)) << library << ": " << name;
+  }
 }
 
 TEST(Exports, HostSymbolsAreLeftToTheProcess) {

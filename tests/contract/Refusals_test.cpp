@@ -174,10 +174,10 @@ const Refusal kLevels[] = {
     {"PositionTooLarge", "position=\"3\"", "position=\"4\"", "AdjacentItem[2]/@position",
      "4 is outside 0..3"},
     {"PositionJoinsNoSet", "position=\"3\"", "position=\"2\"", "AdjacentItem[2]/@position",
-     "joins item set 1 of a sequence of 1"},
+     "names no extension of a sequence of 1 item sets (allowed: 0..1, 3)"},
     {"PositionOfTheEmptySequence", "itemRef=\"1\" position=\"1\"", "itemRef=\"1\" position=\"0\"",
      "/LatticeLevel[1]/Sequence[1]/SeqAdjacentList[1]/AdjacentItem[1]/@position",
-     "joins item set 0 of a sequence of 0"},
+     "names no extension of a sequence of 0 item sets (allowed: 1)"},
 };
 INSTANTIATE_TEST_SUITE_P(Levels, Refusals, testing::ValuesIn(kLevels),
                          [](const auto& it) { return it.param.name; });

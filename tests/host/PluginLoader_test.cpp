@@ -2,8 +2,11 @@
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <new>
 #include <optional>
 #include <sstream>
@@ -176,6 +179,26 @@ TEST(PluginLoader, TellsThatTheFileIsNoLibrary) {
   const std::string path = folder.file("text.so", "this is no library, but long enough for one");
 
   EXPECT_TRUE(failure(path).starts_with(path + ": cannot load the plug-in: ")) << failure(path);
+}
+
+TEST(PluginLoader, TellsThatTheFileIsCutShort) {
+  const TempFolder folder;
+  std::ifstream file(plugin("goodPlugin"), std::ios::binary);
+  const std::string whole{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  ASSERT_GT(whole.size(), 8192U);
+
+  for (const std::size_t size : {64U, 100U, 500U, 4096U, 6000U, 8192U}) {
+    const std::string path = folder.file("cut.so", whole.substr(0, size));
+    EXPECT_EQ(failure(path), path + ": cannot load the plug-in: the file is cut short") << size;
+  }
+}
+
+TEST(PluginLoader, TellsThatTheFileIsNone) {
+  const TempFolder folder;
+  const std::string path = folder.path("pipe.so");
+  ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+
+  EXPECT_EQ(failure(path), path + ": cannot load the plug-in: not a file");
 }
 
 TEST(PluginLoader, TellsThatTheEntryIsMissing) {

@@ -133,7 +133,7 @@ const RefusedRow kAdjacencies[] = {
      kSecondPosition + "2147483647 is outside 0..3"},
     {"D35PositionJoinsNoSet",
      {{"position=\"3\"", "position=\"2\""}},
-     kSecondPosition + "2 joins item set 1 of a sequence of 1"},
+     kSecondPosition + "2 names no extension of a sequence of 1 item sets (allowed: 0..1, 3)"},
     {"D36AdjacentItemZero",
      {{"itemRef=\"2\" position=\"3\"", "itemRef=\"0\" position=\"3\""}},
      at(kFirstList + "/AdjacentItem[2]/@itemRef", 16, 175) + "0 is outside 1..2 and not -1"},
