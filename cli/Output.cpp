@@ -6,6 +6,7 @@
 #include "cli/exitStatus.h"
 #include "io/IoError.h"
 #include "io/process.h"
+#include "io/writeAll.h"
 
 namespace orbseq {
 
@@ -18,10 +19,7 @@ const char* const kName = "standard output";
 }  // namespace
 
 Output::Output(const std::string& path) {
-  if (path != "-")
-    file_.emplace(path);
-  else
-    std::setvbuf(stdout, nullptr, _IONBF, 0);  // our blocks are large: no second buffer
+  if (path != "-") file_.emplace(path);
 }
 
 void Output::flushIfFull() {
@@ -30,11 +28,10 @@ void Output::flushIfFull() {
 
 void Output::flush() {
   if (interrupted()) throw Interrupted();
-  errno = 0;
   if (file_)
     file_->write(text_);
-  else if (std::fwrite(text_.data(), 1, text_.size(), stdout) != text_.size())
-    throw FileError(kName, "write", errno);
+  else
+    writeAll(static_cast<int>(StandardStream::kOutput), text_, kName);
   text_.clear();
 }
 

@@ -1,22 +1,18 @@
 #include "cli/PluginScorer.h"
 
-#include <new>
 #include <stdexcept>
 #include <utility>
 
 #include "host/EnvironmentError.h"
 #include "io/IoError.h"
+#include "io/failure.h"
 #include "scoring/VectorValue.h"
-#include "scoring/hostapi/QuException.h"
 #include "scoring/hostapi/ScoreModel.h"
 #include "scoring/hostapi/ScoreResult.h"
-#include "sequence/SeqExceptions.h"
-#include "sequence/errorText.h"
 
 namespace orbseq {
 
 using SEQUENCE_NAMESPACE_800::SeqConsequentDescriptor;
-using SEQUENCE_NAMESPACE_800::SeqExceptions;
 
 PluginScorer::PluginScorer(std::shared_ptr<const OrbScore::ScoreModel> model,
                            const ScoreOptions& options)
@@ -33,17 +29,12 @@ Answers PluginScorer::score(const std::string& file, const CustomerHistory& hist
   try {
     record_.SetText("sequence", history.history);
     return scoreRecord();
-  } catch (const OrbScore::EnvironmentError&) {
-    throw;
-  } catch (const OrbScore::QuException& error) {
-    throw InputError(file, history.row, error.what());
-  } catch (const std::bad_alloc&) {
-    throw std::bad_alloc();
-  } catch (const SeqExceptions::DictionaryFailure&) {
-    throw std::bad_alloc();
   } catch (...) {
+    const Failure failure = currentFailure();
+    if (failure.kind == FailureKind::kEnvironment) throw OrbScore::EnvironmentError(failure.text);
+    if (failure.kind == FailureKind::kInput) throw InputError(file, history.row, failure.text);
     throw std::logic_error("scoring " + file + ":" + std::to_string(history.row) + ": " +
-                           describeCurrentException());
+                           failure.text);
   }
 }
 

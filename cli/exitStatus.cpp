@@ -1,15 +1,11 @@
 #include "cli/exitStatus.h"
 
-#include <new>
 #include <string>
+#include <utility>
 
 #include "cli/messages.h"
-#include "host/EnvironmentError.h"
-#include "io/IoError.h"
+#include "io/failure.h"
 #include "io/process.h"
-#include "mining/MinerOptions.h"
-#include "scoring/hostapi/QuException.h"
-#include "sequence/errorText.h"
 
 namespace orbseq {
 
@@ -24,26 +20,12 @@ ExitStatus statusOfCurrentException(std::string& text) {
   } catch (const Interrupted& error) {
     text = error.what();
     return ExitStatus::kInterrupted;
-  } catch (const InputError& error) {
-    text = error.what();
-    return ExitStatus::kInput;
-  } catch (const FileError& error) {
-    text = error.what();
-    return ExitStatus::kEnvironment;
-  } catch (const OrbScore::EnvironmentError& error) {
-    text = error.what();
-    return ExitStatus::kEnvironment;
-  } catch (const MinerStopped& error) {
-    text = error.what();
-    return ExitStatus::kEnvironment;
-  } catch (const OrbScore::QuException& error) {
-    text = error.what();
-    return ExitStatus::kInput;
-  } catch (const std::bad_alloc&) {
-    text = "out of memory";
-    return ExitStatus::kEnvironment;
   } catch (...) {
-    text = "internal error: " + describeCurrentException();
+    Failure failure = currentFailure();
+    text = std::move(failure.text);
+    if (failure.kind == FailureKind::kInput) return ExitStatus::kInput;
+    if (failure.kind == FailureKind::kEnvironment) return ExitStatus::kEnvironment;
+    text.insert(0, "internal error: ");
     return ExitStatus::kBug;
   }
 }

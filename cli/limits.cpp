@@ -6,6 +6,8 @@
 #include <limits>
 
 #include "common/Limits.h"
+#include "io/JsonRecord.h"
+#include "io/LogBuilder.h"
 #include "io/SqliteQuery.h"
 #include "io/TextSource.h"
 
@@ -50,17 +52,21 @@ std::string limitsText() {
       fixed("csv: bytes of a field", csv.fieldBytes),
       fixed("csv: fields of a row", csv.fields),
       fixed("csv and lines: bytes of a row", csv.rowBytes),
+      fixed("json: arrays and objects inside one another", JsonRecord::kDepth),
+      fixed("log: different items that are texts", LogBuilder::Options().mostTexts),
+      fixed("log: bytes of an item or a description", LogBuilder::kMostTextBytes),
       fixed("gzip: bytes for each compressed one", TextSource::kMostExpansion),
       fixed("database in memory: bytes", SqliteQuery::kMostMemory),
+      fixed("database: bytes of a text or a row", SqliteQuery::kMostBytes),
       {"history: bytes", usual.textBytes, strangers.textBytes, "--max-case-bytes"},
       {"history: item sets", usual.sets, strangers.sets, "--max-case-sets"},
       {"history: items of its sets", usual.items, strangers.items, "--max-case-items"},
       {"history: links its search goes through", usual.steps, strangers.steps, "--max-case-steps"},
   };
   std::string text =
-      fmt::format("{:<40} {:>10}  {:>18}  {}\n", "most", "default", "--limits strangers", "option");
+      fmt::format("{:<44} {:>10}  {:>18}  {}\n", "most", "default", "--limits strangers", "option");
   for (const Row& row : rows) {
-    std::string line = fmt::format("{:<40} {:>10}  {:>18}  {}", row.what, numberText(row.usual),
+    std::string line = fmt::format("{:<44} {:>10}  {:>18}  {}", row.what, numberText(row.usual),
                                    numberText(row.strangers), row.option);
     line.resize(line.find_last_not_of(' ') + 1);
     text += line + '\n';

@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "io/IoError.h"
-#include "io/process.h"
+#include "io/writeAll.h"
 
 namespace orbseq {
 
@@ -106,14 +106,7 @@ void AtomicFile::write(std::string_view bytes) {
 }
 
 void AtomicFile::flush() {
-  if (interrupted()) fail("write", EINTR);
-  std::string_view rest = buffer_;
-  while (!rest.empty()) {
-    const ssize_t written = ::write(descriptor_, rest.data(), rest.size());
-    if (written < 0) fail("write");
-    if (interrupted()) fail("write", EINTR);  // a write that it cuts short tells a part
-    rest.remove_prefix(static_cast<std::size_t>(written));
-  }
+  writeAll(descriptor_, buffer_, name_);
   buffer_.clear();
 }
 

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/cli/Program.h"
 #include "tests/cli/smallModel.h"
+#include "tests/support/Program.h"
 
 namespace {
 

@@ -16,10 +16,10 @@
 #include <string>
 #include <vector>
 
-#include "tests/cli/Program.h"
 #include "tests/cli/Terminal.h"
 #include "tests/cli/logForms.h"
 #include "tests/cli/smallModel.h"
+#include "tests/support/Program.h"
 
 namespace {
 

@@ -13,8 +13,8 @@
 #include <utility>
 #include <vector>
 
-#include "tests/cli/Program.h"
 #include "tests/cli/smallModel.h"
+#include "tests/support/Program.h"
 
 namespace {
 

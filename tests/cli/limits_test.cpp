@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/cli/Program.h"
+#include "tests/support/Program.h"
 
 namespace {
 

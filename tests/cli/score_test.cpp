@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/cli/Program.h"
 #include "tests/cli/Terminal.h"
+#include "tests/support/Program.h"
 
 namespace {
 

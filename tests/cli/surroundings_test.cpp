@@ -14,7 +14,7 @@
 #include <thread>
 #include <vector>
 
-#include "tests/cli/Program.h"
+#include "tests/support/Program.h"
 
 namespace {
 
@@ -227,8 +227,7 @@ TEST(Surroundings, LackOfMemoryInThePluginIsAnErrorOfTheEnvironment) {
 }
 
 TEST(Surroundings, WhateverElseThePluginThrowsIsABugToldInOneLine) {
-  for (const char* failure :
-       {"runtime_error", "own", "IOException", "OrbStatus", "int", "error status"}) {
+  for (const char* failure : {"runtime_error", "own", "OrbStatus", "int", "error status"}) {
     const Outcome outcome = scoreFaulty(failure);
 
     EXPECT_EQ(outcome.status, 4) << failure;
@@ -237,7 +236,13 @@ TEST(Surroundings, WhateverElseThePluginThrowsIsABugToldInOneLine) {
     EXPECT_EQ(lines(outcome.error), 1) << failure;
   }
   EXPECT_THAT(scoreFaulty("own").error, EndsWith(": an exception of the plug-in\n"));
-  EXPECT_THAT(scoreFaulty("IOException").error, EndsWith(": a stored lattice is broken\n"));
+}
+
+TEST(Surroundings, AStoredLatticeThatThePluginCannotReadIsBadInput) {
+  const Outcome outcome = scoreFaulty("IOException");
+
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.error, "orbseq: standard input:2: a stored lattice is broken\n");
 }
 
 TEST(Surroundings, APluginWhoseAnswerIsNoListIsAnErrorOfTheEnvironment) {

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "tests/cli/Program.h"
 #include "tests/cli/logForms.h"
 #include "tests/cli/smallModel.h"
+#include "tests/support/Program.h"
 
 namespace {
 

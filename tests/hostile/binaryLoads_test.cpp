@@ -14,10 +14,10 @@
 #include <vector>
 
 #include "sequence/HashtableSQPair.h"
-#include "tests/cli/Program.h"
 #include "tests/hostile/Meter.h"
 #include "tests/hostile/binaryParts.h"
 #include "tests/hostile/latticeFiles.h"
+#include "tests/support/Program.h"
 #include "tests/support/TempFolder.h"
 
 namespace {

@@ -5,13 +5,11 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
-#include <zlib.h>
 
 #include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -20,6 +18,7 @@
 #include "io/SqliteQuery.h"
 #include "tests/hostile/Meter.h"
 #include "tests/hostile/logs.h"
+#include "tests/support/gzip.h"
 
 namespace {
 
@@ -30,6 +29,7 @@ using orbseq::LogOptions;
 using orbseq::SqliteQuery;
 using orbseq::TransactionLog;
 using orbseq::test::canRunAs;
+using orbseq::test::compressed;
 using orbseq::test::contentOf;
 using orbseq::test::errorOf;
 using orbseq::test::Feed;
@@ -44,24 +44,6 @@ using testing::EndsWith;
 using testing::HasSubstr;
 
 const std::string kHead = "customer,time,item\n";
-
-// One gzip member.
-std::string compressed(std::string_view plain) {
-  z_stream stream{};
-  constexpr int kGzip = 16 + MAX_WBITS;
-  if (deflateInit2(&stream, Z_BEST_COMPRESSION, Z_DEFLATED, kGzip, 8, Z_DEFAULT_STRATEGY) != Z_OK)
-    throw std::runtime_error("no memory to compress");
-  std::string bytes(deflateBound(&stream, static_cast<uLong>(plain.size())), '\0');
-  stream.next_in = const_cast<Bytef*>(reinterpret_cast<const Bytef*>(plain.data()));
-  stream.avail_in = static_cast<uInt>(plain.size());
-  stream.next_out = reinterpret_cast<Bytef*>(bytes.data());
-  stream.avail_out = static_cast<uInt>(bytes.size());
-  const int status = deflate(&stream, Z_FINISH);
-  bytes.resize(bytes.size() - stream.avail_out);
-  deflateEnd(&stream);
-  if (status != Z_STREAM_END) throw std::runtime_error("cannot compress");
-  return bytes;
-}
 
 // A megabyte that comes to a gigabyte, which is as much as the form can do: of rows that are good,
 // and of line ends. No more than the first block of it is looked at.

@@ -23,7 +23,7 @@ using orbseq::test::errorOf;
 using orbseq::test::Feed;
 using orbseq::test::kMegabyte;
 using orbseq::test::Outcome;
-using orbseq::test::runWithin;
+using orbseq::test::run;
 using orbseq::test::TempFolder;
 using orbseq::test::Training;
 using testing::AllOf;
@@ -109,17 +109,15 @@ TEST_P(HostileLabel, IsEscapedInWhatIsWritten) {
   const std::string customers =
       training.folder().file("c.csv", "customer,history\n\"" + quoted + "\",\n");
 
-  const Outcome scored =
-      runWithin({}, {"score", "--model", model, "--input", customers, "--format", "csv"});
-  const Outcome json =
-      runWithin({}, {"score", "--model", model, "--input", customers, "--format", "jsonl"});
+  const Outcome scored = run({"score", "--model", model, "--input", customers, "--format", "csv"});
+  const Outcome json = run({"score", "--model", model, "--input", customers, "--format", "jsonl"});
 
   EXPECT_THAT(training.model(), HasSubstr("mappedValue=\"" + row.document + "\""));
   EXPECT_THAT(scored.output, HasSubstr("\n" + row.csv + ",1,1," + row.csv + ",1,1,1\n"));
   EXPECT_EQ(json.status, 0);
   // Back from the document it is what it was: the same once more.
   const std::string again = training.folder().path("again.xml");
-  EXPECT_EQ(runWithin({}, {"convert", "--model", model, "--output", again}).status, 0);
+  EXPECT_EQ(run({"convert", "--model", model, "--output", again}).status, 0);
   EXPECT_THAT(orbseq::test::contentOf(again), HasSubstr("mappedValue=\"" + row.document + "\""));
 }
 
@@ -241,8 +239,7 @@ TEST(HostileItems, V14AnEmptyBasketIsLeftOutOfAModelAndKeptInAHistory) {
       "{\"customer\": \"c\", \"history\": \"(5)\"}\n");
 
   const Outcome outcome = training.train(log);
-  const Outcome scored =
-      runWithin({}, {"score", "--model", model, "--input", parts, "--format", "csv"});
+  const Outcome scored = run({"score", "--model", model, "--input", parts, "--format", "csv"});
 
   EXPECT_THAT(outcome.error, HasSubstr("1 customers, 2 baskets, 3 item occurrences"));
   EXPECT_THAT(training.sequences(), HasSubstr("5 6 -1 7 -1 #SUP: 1\n"));

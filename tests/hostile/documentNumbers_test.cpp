@@ -12,8 +12,8 @@
 
 #include "scoring/hostapi/ScoreDictVar.h"
 #include "scoring/hostapi/ScoreDictionary.h"
-#include "tests/cli/Program.h"
 #include "tests/hostile/documents.h"
+#include "tests/support/Program.h"
 #include "tests/support/TempFolder.h"
 #include "tests/support/sequenceValues.h"
 

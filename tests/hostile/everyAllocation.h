@@ -107,6 +107,10 @@ End endOf(Operation& operation, long n, Failing failing, bool& hasFailed) {
 }
 
 inline constexpr long kMostAllocations = 100'000;  // of an operation
+inline constexpr long kEach = 200;  // of a long one: from there on only every seventh fails
+
+// What the object that an operation fills holds before.
+enum class Former { kNone, kOther };
 
 // Expects that the operation, however its memory fails, ends in one of the allowed ways, keeps its
 // promises and leaves nothing behind. Without a failure it must be done. From allocation `each` on,

@@ -28,8 +28,6 @@ using orbseq::Model;
 using orbseq::ModelForm;
 using orbseq::SequenceDatabase;
 
-constexpr long kEach = 200;  // allocations that fail before only every seventh does
-
 // --- Mining --------------------------------------------------------------------------------------
 
 SequenceDatabase customers() {

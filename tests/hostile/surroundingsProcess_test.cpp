@@ -20,21 +20,19 @@
 #include <vector>
 
 #include "io/ModelFile.h"
-#include "tests/cli/Program.h"
-#include "tests/hostile/Child.h"
+#include "tests/hostile/Feed.h"
 #include "tests/hostile/Meter.h"
+#include "tests/support/Program.h"
 
 namespace {
 
 using orbseq::ModelForm;
-using orbseq::test::ChildLimits;
 using orbseq::test::contentOf;
 using orbseq::test::Feed;
 using orbseq::test::Meter;
 using orbseq::test::Outcome;
 using orbseq::test::Program;
 using orbseq::test::run;
-using orbseq::test::runWithin;
 using orbseq::test::TempFolder;
 using testing::StartsWith;
 
@@ -107,6 +105,34 @@ TEST(Interruption, WhileSavingLeavesTheOldModel) {
   EXPECT_EQ(outcome.error, "orbseq: interrupted\n");
   EXPECT_EQ(contentOf(old), "old");
   EXPECT_EQ(folder.entries(), 2U);
+}
+
+// Standard output is a pipe that is open and never read: the program waits in a write until the
+// signal comes.
+TEST(Interruption, WhileNobodyReadsTheAnswersEndsTheProgram) {
+  const TempFolder folder;
+  std::string rows = "customer,history\n";
+  for (int i = 0; i < 20'000; ++i) rows += std::to_string(i) + ",(101)\n";
+  const std::string input = folder.file("histories.csv", rows);
+  const std::string output = folder.path("answers");
+  ASSERT_EQ(::mkfifo(output.c_str(), 0600), 0);
+  const int fifo = ::open(output.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  const int full = ::fcntl(fifo, F_GETPIPE_SZ);
+  Program program({"score", "--model", kModel, "--input", input}, {.outputPath = output});
+  int waiting = 0;
+  for (int i = 0; i < 10'000 && waiting < full; ++i) {
+    ::ioctl(fifo, FIONREAD, &waiting);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  EXPECT_EQ(waiting, full);
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));  // it is in the next write
+
+  program.signal(SIGINT);
+  const Outcome outcome = program.wait();
+  ::close(fifo);
+
+  EXPECT_EQ(outcome.status, 130);
+  EXPECT_EQ(outcome.error, "orbseq: interrupted\n");
 }
 
 // Every command once, each with what it writes.
@@ -223,7 +249,7 @@ TEST(SmallStack, EveryCommandWorksWithinIt) {
   const std::string expected = everythingAsEver();
 
   EXPECT_EQ(everything([](const Arguments& arguments) {
-              return runWithin({.stackBytes = smallStack()}, arguments);
+              return run(arguments, {.stackBytes = smallStack()});
             }),
             expected);
 }

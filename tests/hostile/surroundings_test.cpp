@@ -12,8 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/cli/Program.h"
-#include "tests/hostile/Child.h"
+#include "tests/support/Program.h"
 
 namespace {
 
@@ -24,7 +23,6 @@ using orbseq::test::kNobody;
 using orbseq::test::Outcome;
 using orbseq::test::Program;
 using orbseq::test::run;
-using orbseq::test::runWithin;
 using orbseq::test::Surroundings;
 using orbseq::test::TempFolder;
 using testing::AnyOf;
@@ -112,7 +110,7 @@ TEST_P(Writers, AFolderThatTakesNoFileLeavesTheOldFile) {
   fs::permissions(folder.path(),
                   fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec);
 
-  const Outcome outcome = runWithin({.user = kNobody}, to(old));
+  const Outcome outcome = run(to(old), {.user = kNobody});
 
   EXPECT_EQ(outcome.status, 3);
   EXPECT_EQ(outcome.error,

@@ -1,8 +1,9 @@
-#include "tests/cli/Program.h"
+#include "tests/support/Program.h"
 
 #include <fcntl.h>
 #include <signal.h>
 #include <stdlib.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -13,13 +14,8 @@ namespace orbseq::test {
 
 namespace {
 
-constexpr int kCannotStart = 125;  // a status that the program itself never answers
-
-void redirect(int stream, const std::string& path, int flags) {
-  const int file = ::open(path.c_str(), flags, 0600);
-  if (file < 0 || ::dup2(file, stream) < 0) ::_exit(kCannotStart);
-  ::close(file);
-}
+constexpr int kCannotStart = 125;  // a status that no program here answers
+constexpr unsigned kSeconds = 300;
 
 struct Streams {
   std::string input;
@@ -27,7 +23,23 @@ struct Streams {
   std::string error;
 };
 
-[[noreturn]] void start(std::vector<char*>& arguments, const Surroundings& surroundings,
+void redirect(int stream, const std::string& path, int flags) {
+  const int file = ::open(path.c_str(), flags, 0600);
+  if (file < 0 || ::dup2(file, stream) < 0) ::_exit(kCannotStart);
+  ::close(file);
+}
+
+void setLimit(decltype(RLIMIT_DATA) resource, std::size_t bytes) {
+  const rlimit limit{bytes, bytes};
+  if (bytes != 0 && ::setrlimit(resource, &limit) != 0) ::_exit(kCannotStart);
+}
+
+void becomeUser(uid_t user) {
+  if (user != 0 && (::setgid(user) != 0 || ::setuid(user) != 0)) ::_exit(kCannotStart);
+}
+
+// Nothing here allocates by the test's own operator new: another of its threads may hold it.
+[[noreturn]] void start(std::vector<char*>& words, const Surroundings& surroundings,
                         const Streams& streams) {
   constexpr int kWrite = O_WRONLY | O_CREAT | O_APPEND | O_NOCTTY;
   redirect(STDIN_FILENO, streams.input, O_RDONLY);
@@ -35,21 +47,25 @@ struct Streams {
   redirect(STDERR_FILENO, streams.error, kWrite);
   if (surroundings.closeOutput) ::close(STDOUT_FILENO);
   if (surroundings.closeError) ::close(STDERR_FILENO);
-  ::signal(SIGINT, SIG_DFL);
-  ::signal(SIGPIPE, SIG_DFL);
   for (const std::string& variable : surroundings.environment)
     ::putenv(const_cast<char*>(variable.c_str()));
-  ::execv(arguments.front(), arguments.data());
+  setLimit(RLIMIT_DATA, surroundings.dataBytes);
+  setLimit(RLIMIT_STACK, surroundings.stackBytes);
+  becomeUser(surroundings.user);
+  ::signal(SIGINT, SIG_DFL);
+  ::signal(SIGPIPE, SIG_DFL);
+  ::alarm(kSeconds);
+  ::execv(words.front(), words.data());
   ::_exit(kCannotStart);
 }
 
 }  // namespace
 
 Program::Program(std::vector<std::string> arguments, const Surroundings& surroundings) {
-  std::string program = ORBSEQ_BINARY_DIR "/orbseq";
-  std::vector<char*> pointers{program.data()};
-  for (std::string& argument : arguments) pointers.push_back(argument.data());
-  pointers.push_back(nullptr);
+  std::string program = surroundings.program;
+  std::vector<char*> words{program.data()};
+  for (std::string& argument : arguments) words.push_back(argument.data());
+  words.push_back(nullptr);
   Streams streams{folder_.file("input", surroundings.input), surroundings.outputPath,
                   surroundings.errorPath};
   if (streams.output.empty()) streams.output = folder_.path("output");
@@ -57,14 +73,17 @@ Program::Program(std::vector<std::string> arguments, const Surroundings& surroun
 
   process_ = ::fork();
   if (process_ < 0) throw std::runtime_error("cannot start a process");
-  if (process_ == 0) start(pointers, surroundings, streams);
+  if (process_ == 0) start(words, surroundings, streams);
 }
 
 Program::~Program() {
   if (process_ > 0) wait();
 }
 
-void Program::signal(int number) const { ::kill(process_, number); }
+void Program::signal(int number) const {
+  if (process_ <= 0) throw std::logic_error("no process to signal");  // -1 would be all of them
+  ::kill(process_, number);
+}
 
 Outcome Program::wait() {
   int status = 0;
@@ -75,6 +94,10 @@ Outcome Program::wait() {
 
 Outcome run(std::vector<std::string> arguments, const Surroundings& surroundings) {
   return Program(std::move(arguments), surroundings).wait();
+}
+
+bool canRunAs(uid_t user) {
+  return ::geteuid() == 0 && run({"--version"}, {.user = user}).status == 0;
 }
 
 }  // namespace orbseq::test

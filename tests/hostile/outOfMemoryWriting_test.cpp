@@ -1,0 +1,93 @@
+// Memory that runs out while a lattice is exported or written. Files are saved in
+// outOfMemoryFiles_test.cpp.
+
+#include <gtest/gtest.h>
+
+#include <ostream>
+#include <sstream>
+#include <string>
+
+#include "lattice/LatticeDocument.h"
+#include "tests/hostile/everyAllocation.h"
+#include "tests/hostile/labelledModel.h"
+#include "tests/hostile/latticeFiles.h"
+
+namespace {
+
+using namespace orbseq::test;
+
+// Written by `Writer` to a stream in memory, which may run out of it, too. Then the stream is bad.
+template <class Writer>
+class Write {
+ public:
+  End run() {
+    const bool isOk = Writer::write(lattice_.dictionary(), stream_);
+    return isOk && stream_ ? End::kDone : End::kReported;
+  }
+  void check(End end) {
+    if (end != End::kDone) {
+      stream_ = std::ostringstream();
+      EXPECT_EQ(run(), End::kDone);
+    }
+    static const std::string expected = stream_.str();
+    EXPECT_TRUE(stream_.str() == expected);
+    expectValidLattice(lattice_.dictionary());
+  }
+
+ private:
+  ValidLattice lattice_;
+  std::ostringstream stream_;
+};
+
+struct LatticeWriter {
+  static bool write(const SequenceDictionary& dictionary, std::ostream& os) {
+    return dictionary.ExportLatticeXML(os, 0.25).IsOK();
+  }
+};
+struct LabelledWriter {
+  static bool write(const SequenceDictionary& dictionary, std::ostream& os) {
+    orbseq::writeLatticeDocument(os, dictionary, {.closed = true, .labels = &labels()});
+    return true;
+  }
+};
+struct RulesWriter {
+  static bool write(const SequenceDictionary& dictionary, std::ostream& os) {
+    return dictionary.ExportRulesXML(os, 0, 1, 0, 1, 0, 9, 3, 1.5, 'C', false).IsOK();
+  }
+};
+struct PmmlWriter {
+  static bool write(const SequenceDictionary& dictionary, std::ostream& os) {
+    return orbseq::writePmml(os, dictionary, {.labels = &labels()}).IsOK();
+  }
+};
+struct BinaryWriter {
+  static bool write(const SequenceDictionary& dictionary, std::ostream& os) {
+    return dictionary.writeObject(os) > 0;
+  }
+};
+struct ObjectXmlWriter {
+  static bool write(const SequenceDictionary& dictionary, std::ostream& os) {
+    return dictionary.writeObjectXML(os) > 0;
+  }
+};
+
+TEST(OutOfMemory, ExportingTheLattice) {
+  failEveryAllocationOf<Write<LatticeWriter>>({End::kReported}, kEach);
+  failEveryAllocationOf<Write<LabelledWriter>>({End::kReported, End::kBadAlloc}, kEach);
+}
+
+TEST(OutOfMemory, ExportingTheRules) {
+  failEveryAllocationOf<Write<RulesWriter>>({End::kReported}, kEach);
+  failEveryAllocationOf<Write<PmmlWriter>>({End::kReported}, kEach);
+}
+
+TEST(OutOfMemory, WritingBinary) {
+  failEveryAllocationOf<Write<BinaryWriter>>({End::kReported, End::kBadAlloc, End::kIoException});
+}
+
+TEST(OutOfMemory, WritingObjectXml) {
+  failEveryAllocationOf<Write<ObjectXmlWriter>>(
+      {End::kReported, End::kBadAlloc, End::kIoException});
+}
+
+}  // namespace
