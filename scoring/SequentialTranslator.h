@@ -33,8 +33,8 @@ class ORBSEQ_EXPORT SequentialTranslator : public OrbScore::BaseTranslator {
 
   // Throws QuException for a document that is refused, naming the place; then everything built for
   // it is freed and what was parsed before still stands. Where memory runs out, std::bad_alloc or
-  // SeqExceptions::DictionaryFailure comes out, with the same left behind. Traces "Enter:" and "Exit:" with its
-  // name at level 1, the latter on success only.
+  // SeqExceptions::DictionaryFailure comes out, with the same left behind. Traces "Enter:" and
+  // "Exit:" with its name at level 1, the latter on success only.
   OrbScore::ScoreModel* ParseFromTree(OrbScore::DOMElement* modelElement,
                                       const std::string& encoding) override;
 
