@@ -39,7 +39,8 @@ struct FinishStatement {
 
 class SqliteQuery::Connection {
  public:
-  Connection(const std::string& path, const std::string& sql) {
+  Connection(const std::string& path, const std::string& sql, std::size_t mostMemory)
+      : mostMemory_(mostMemory) {
     TextSource source(path);
     name_ = source.name();
     if (path == "-" || isCompressed(path))
@@ -84,9 +85,9 @@ class SqliteQuery::Connection {
   void openCopy(TextSource& source) {
     std::string bytes;
     for (auto block = source.next(); !block.empty(); block = source.next()) {
-      if (bytes.size() + block.size() > kMostMemory && guarded("sqlite.memory"))
+      if (bytes.size() + block.size() > mostMemory_ && guarded("sqlite.memory"))
         throw InputError(name_, 0,
-                         "the database is larger than " + std::to_string(kMostMemory) +
+                         "the database is larger than " + std::to_string(mostMemory_) +
                              " bytes, the limit for compressed files and standard input");
       bytes += block;
     }
@@ -141,14 +142,15 @@ class SqliteQuery::Connection {
     }
   }
 
+  std::size_t mostMemory_;
   std::string name_;
   std::unique_ptr<sqlite3, CloseDatabase> database_;
   std::unique_ptr<sqlite3_stmt, FinishStatement> statement_;
   std::vector<std::string> columns_;
 };
 
-SqliteQuery::SqliteQuery(const std::string& path, const std::string& sql)
-    : connection_(std::make_unique<Connection>(path, sql)) {}
+SqliteQuery::SqliteQuery(const std::string& path, const std::string& sql, std::size_t mostMemory)
+    : connection_(std::make_unique<Connection>(path, sql, mostMemory)) {}
 
 SqliteQuery::~SqliteQuery() = default;
 SqliteQuery::SqliteQuery(SqliteQuery&&) noexcept = default;

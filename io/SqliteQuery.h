@@ -1,7 +1,7 @@
 // The rows that a query of an SQLite database answers, one at a time.
 //
 // The database is opened to be read alone, and the query must be one statement that reads. A file
-// compressed with gzip, and standard input ("-"), are held in memory, at most kMostMemory bytes.
+// compressed with gzip, and standard input ("-"), are held in memory, at most mostMemory bytes.
 // Numbers come as text; a NULL and an empty text are the same. Texts must be UTF-8 without NUL.
 //
 // Threads: one at a time on one query.
@@ -24,7 +24,9 @@ class SqliteQuery {
   static constexpr std::size_t kMostMemory = std::size_t{4} << 30U;
   static constexpr int kMostBytes = 16 << 20;  // of a text, and of a row
 
-  SqliteQuery(const std::string& path, const std::string& sql);
+  // Requires mostMemory <= kMostMemory.
+  SqliteQuery(const std::string& path, const std::string& sql,
+              std::size_t mostMemory = kMostMemory);
   ~SqliteQuery();
   SqliteQuery(SqliteQuery&&) noexcept;
   SqliteQuery& operator=(SqliteQuery&&) noexcept;

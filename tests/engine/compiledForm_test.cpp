@@ -250,6 +250,17 @@ TEST(CompiledForm, WrongPartsAreRefusedWhereTheyStand) {
   EXPECT_THAT(refusal(offsetof(Header, hasStrangers), 0), HasSubstr("number of items"));
 }
 
+// Without its last entry the look-up is one of fewer items.
+TEST(CompiledForm, ALookUpThatEndsTooEarlyIsRefused) {
+  Bytes bytes = bytesOf(small());
+  const Header header = headerOf(bytes);
+  bytes.resize(bytes.size() - sizeof(std::uint32_t));
+  bytes = changed(std::move(bytes), offsetof(Header, bytes), header.bytes - sizeof(std::uint32_t));
+  bytes = changed(std::move(bytes), offsetof(Header, lookup), header.lookup - 1);
+
+  EXPECT_THAT(refusalOf(sealed(bytes)), HasSubstr("the look-up of items lacks some"));
+}
+
 // Climbs that join need what keeps a search from going through them again and again.
 TEST(CompiledForm, JoinsThatTheHeaderDeniesAreRefused) {
   const Bytes bytes = sealed(changed(bytesOf(small()), offsetof(Header, hasJoins), 0U));

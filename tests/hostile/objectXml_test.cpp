@@ -211,6 +211,16 @@ std::string table(const std::string& count, const std::string& entries = "") {
   return object("HashtableSQPair", {count}, entries);
 }
 
+// The first two items' factors are 9829 and 9817, so that these keys have one hash.
+std::string collidingEntries(int count) {
+  std::string entries;
+  for (int k = 0; k < count; ++k)
+    entries +=
+        sequence({"L1", "2", std::to_string(9817 * k), std::to_string(9829 * (100'000 - k)), "1"}) +
+        counter({"1", "0", "0", "0", "0"});
+  return entries;
+}
+
 // A dictionary that announces the largest size and has one table, of the empty sequence.
 std::string dictionary(const std::string& largest,
                        const std::vector<std::string>& settings = {"2", "3", "5", "7", "7", "5",
@@ -235,8 +245,13 @@ std::vector<Object> numberRows() {
   const auto readTable = &readAs<HashtableSQPair>;
   const std::string statistics = object("StatsBucket", {"D1", "D2", "D3", "D4"});
   const std::string cut = object("StatsBucket", {"D1", "D2", "D3"});
+  std::vector<std::string> thirtyThree = {"L1", "33"};
+  thirtyThree.insert(thirtyThree.end(), 33, "7");
+  thirtyThree.push_back("1");
   return {
       {"O09_PatternOf33Bits", readSequence, sequence({"L4294967296", "1", "7", "1"}), 0,
+       kSequenceMessage},
+      {"O09_PatternOf33BitsWithALowOne", readSequence, sequence({"L4294967297", "1", "7", "1"}), 0,
        kSequenceMessage},
       {"O09_PatternOf40Digits", readSequence, sequence({"L" + std::string(40, '9'), "1", "7", "1"}),
        0, kSequenceMessage},
@@ -244,6 +259,9 @@ std::vector<Object> numberRows() {
       {"O12_EntryCountMost", readTable, table("2147483647"), 0, kSequenceMessage},
       {"O12_EntryCountBeyondIts32Bits", readTable, table("4294967296"), 0, kSequenceMessage},
       {"O13_ItemCount33", readSequence, sequence({"L1", "33", "7", "1"}), 0, kSequenceMessage},
+      {"O13_ItemCount33WithAllItems", readSequence, sequence(thirtyThree), 0, kSequenceMessage},
+      {"O12_AThousandAndOneSequencesInABucket", readTable, table("1001", collidingEntries(1001)),
+       0},
       {"O13_ItemCountMinus1", readSequence, sequence({"L0", "-1", "0"}), 0, kSequenceMessage},
       {"O13_ItemCountMost", readSequence, sequence({"L1", "2147483647", "7"}), 0, kSequenceMessage},
       {"O13_SetCountTooLarge", readSequence, sequence({"L1", "1", "7", "2"}), 0, kSequenceMessage},

@@ -272,6 +272,10 @@ TEST(LogReader, ACustomerInPartsWantsTimes) {
               StartsWith("log:3:2: the customer came before"));
 }
 
+TEST(LogReader, AHistoryOfNobodyIsTold) {
+  EXPECT_EQ(errorIn("history,customer\n(1),\n"), "log:2:2: the customer is empty");
+}
+
 TEST(LogReader, AnOrderedLogOfOneCustomerAtATimeIsTheSameInAnyOrder) {
   EXPECT_EQ(lines(rows("a,1,3\nb,1,4\na,2,5\nb,3,6\na,1,7\n")),
             lines(rows("a,1,3\na,1,7\na,2,5\nb,1,4\nb,3,6\n")));

@@ -138,6 +138,17 @@ TEST_F(Sqlite, WhatIsNoDatabaseIsRefused) {
   EXPECT_THROW(SqliteQuery(folder_.path("none.db"), "SELECT 1"), FileError);
 }
 
+TEST_F(Sqlite, ACompressedDatabaseBeyondTheLimitOfMemoryIsRefused) {
+  const std::string path = database("f.db");
+  const std::string packed = compressed(path);
+  const std::size_t size = std::filesystem::file_size(path);
+
+  EXPECT_NO_THROW(SqliteQuery(packed, "SELECT who FROM sales", size));
+  EXPECT_THAT(
+      errorOf<InputError>([&] { SqliteQuery(packed, "SELECT who FROM sales", size - 1); }),
+      HasSubstr("the database is larger than " + std::to_string(size - 1) + " bytes, the limit"));
+}
+
 TEST_F(Sqlite, ADamagedDatabaseIsAnErrorAndNoCrash) {
   const std::string path = database("f.db");
   const std::string bytes = contentOf(path);

@@ -133,6 +133,23 @@ TEST(ModelRefusals, ABadCountInABinaryIsToldWithItsRange) {
               MatchesRegex("model: offset 0x[0-9A-F]+, level [0-9], entry 0, .*33 is outside .*"));
 }
 
+TEST(ModelRefusals, ANegativeCountInABinaryIsToldWithItsRange) {
+  std::string bytes = bytesOf(smallModel(), ModelForm::kBinary);
+  const std::size_t counter = bytes.rfind(std::string("SD\0", 3));
+  ASSERT_NE(counter, std::string::npos);
+  bytes.replace(counter + 3, 4, "\xFB\xFF\xFF\xFF");  // the count
+
+  EXPECT_THAT(refusalText(bytes),
+              MatchesRegex("model: level [0-9]: a count of -5 is outside 0..2147483647"));
+}
+
+TEST(ModelRefusals, AStreamThatDoesNotBeginAsOneIsTold) {
+  std::string bytes = bytesOf(smallModel(), ModelForm::kObjectXml);
+  bytes.replace(0, 5, "<?abc");
+
+  EXPECT_EQ(refusalText(bytes), "model:1: no stream of objects in XML begins here");
+}
+
 TEST(ModelRefusals, ACutObjectXmlIsToldWithItsLine) {
   const TempFolder folder;
   const std::string whole = bytesOf(worldModel(5), ModelForm::kObjectXml);
