@@ -7,7 +7,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <memory>
+#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -70,7 +72,20 @@ inline const std::string& validObjectXml() {
 
 // --- Questions -----------------------------------------------------------------------------------
 
-// What twenty customers hold; 9 is an item that no lattice here knows.
+// Histories of chance, as short as those that are written down.
+inline void addHistoriesByChance(std::vector<History>& histories, std::size_t upTo) {
+  std::mt19937 random(20'261'121);
+  while (histories.size() < upTo) {
+    History history(1 + random() % 4);
+    for (Items& set : history)
+      for (std::int32_t item = 1; item <= 9; ++item)
+        if (random() % 4 == 0) set.push_back(item);
+    histories.push_back(history);
+  }
+}
+
+// What twenty customers hold, or a thousand when ORBSEQ_LONG_RUN is set; 9 is an item that no
+// lattice here knows.
 inline const std::vector<History>& cases() {
   static const std::vector<History> all = [] {
     std::vector<History> histories;
@@ -79,6 +94,7 @@ inline const std::vector<History>& cases() {
           "(1 2)", "(3 4)",  "(1)(2)(3)", "(1 2)(3)",   "(4)(3)(2)(1)", "(1 2 3 4)",    "(1)(1)(1)",
           "(9)",   "(9)(1)", "(1)(9)",    "(1 9)(2 9)", "(2)()(3)",     "(5)(1 3)(2 4)"})
       histories.push_back(history(text));
+    if (std::getenv("ORBSEQ_LONG_RUN") != nullptr) addHistoriesByChance(histories, 1000);
     return histories;
   }();
   return all;

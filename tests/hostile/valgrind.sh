@@ -15,14 +15,26 @@ command -v valgrind > /dev/null || {
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 
-watched() {
+faultless() {
   valgrind --quiet --error-exitcode=9 --leak-check=full --errors-for-leak-kinds=definite,indirect \
-    --log-file="$folder/valgrind.log" "$@" > "$folder/out" 2> "$folder/err" || {
+    --log-file="$folder/valgrind.log" "$@" > "$folder/out" 2> "$folder/err"
+}
+
+watched() {
+  faultless "$@" || {
     echo "failed: $*" >&2
     cat "$folder/valgrind.log" "$folder/err" >&2
     exit 1
   }
 }
+
+faultless "$build/tests/orbseq_faulty" none
+for fault in unset lost; do
+  if faultless "$build/tests/orbseq_faulty" "$fault"; then
+    echo "a planted fault was not seen: $fault" >&2
+    exit 1
+  fi
+done
 
 "$build/orbseq" generate --customers 60 --seed 1 --output "$folder/log.csv" 2> /dev/null
 watched "$build/orbseq" train --input "$folder/log.csv" --label label --min-support 6 \
