@@ -6,7 +6,7 @@
 #include "cli/exitStatus.h"
 #include "io/IoError.h"
 #include "io/process.h"
-#include "io/writeAll.h"
+#include "io/descriptor.h"
 
 namespace orbseq {
 

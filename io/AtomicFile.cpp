@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "io/IoError.h"
-#include "io/writeAll.h"
+#include "io/descriptor.h"
 
 namespace orbseq {
 

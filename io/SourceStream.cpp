@@ -1,16 +1,17 @@
 #include "io/SourceStream.h"
 
+#include <stdio.h>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdio>
 #include <filesystem>
 #include <locale>
 #include <streambuf>
 
 #include "common/guards.h"
 #include "io/IoError.h"
-#include "io/process.h"
+#include "io/descriptor.h"
 
 namespace orbseq {
 
@@ -49,13 +50,10 @@ class SourceStream::Buffer final : public std::streambuf {
   int_type underflow() override {
     lines_ += linesTo(egptr());
     if (egptr() != eback()) last_ = egptr()[-1];
-    if (interrupted()) {
-      error_ = EINTR;
-      return traits_type::eof();
-    }
     offset_ += static_cast<std::uint64_t>(egptr() - eback());
-    const std::size_t got = std::fread(block_.data(), 1, block_.size(), file_);
-    if (got == 0 && std::ferror(file_) != 0) error_ = errno;
+    const auto read = readAll(::fileno(file_), block_);  // past the buffer of the file
+    if (!read) error_ = errno;
+    const std::size_t got = read.value_or(0);
     setg(block_.data(), block_.data(), block_.data() + got);
     return got == 0 ? traits_type::eof() : traits_type::to_int_type(block_.front());
   }

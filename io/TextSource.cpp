@@ -1,5 +1,6 @@
 #include "io/TextSource.h"
 
+#include <stdio.h>
 #include <zlib.h>
 
 #include <cerrno>
@@ -10,6 +11,7 @@
 #include "common/guards.h"
 #include "host/EnvironmentError.h"
 #include "io/IoError.h"
+#include "io/descriptor.h"
 
 namespace orbseq {
 
@@ -21,8 +23,6 @@ std::FILE* openFile(const std::string& path) {
   if (path == "-") return stdin;
   std::FILE* file = std::fopen(path.c_str(), "rb");
   if (file == nullptr) throw FileError(path, "open", errno);
-  // Blocks are read whole, so that the stream's own buffer would only be one copy more.
-  std::setvbuf(file, nullptr, _IONBF, 0);
   return file;
 }
 
@@ -89,10 +89,10 @@ TextSource::TextSource(TextSource&&) noexcept = default;
 TextSource& TextSource::operator=(TextSource&&) noexcept = default;
 
 std::string_view TextSource::nextRaw() {
-  errno = 0;
-  const std::size_t count = std::fread(block_.data(), 1, block_.size(), file_.get());
-  if (count < block_.size() && std::ferror(file_.get()) != 0 && guarded("file.read"))
-    throw FileError(name_, "read", errno);
+  // Blocks are read whole, past the stream's own buffer, which would only be one copy more.
+  const auto read = readAll(::fileno(file_.get()), block_);
+  if (!read && guarded("file.read")) throw FileError(name_, "read", errno);
+  const std::size_t count = read.value_or(0);
   bytesRead_ += count;
   if (count == 0) checkSize();
   return {block_.data(), count};

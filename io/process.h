@@ -17,9 +17,9 @@ enum class StandardStream : int { kInput = 0, kOutput = 1, kError = 2 };
 
 bool isTerminal(StandardStream stream) noexcept;
 
-// From now on a request to stop (SIGINT, SIGTERM) is noted instead of ending the process, and
-// interrupts reads and writes that wait; a second one ends the process. A request that the caller
-// ignores stays ignored. Writing to a pipe that nobody reads becomes an error of the write.
+// From now on a request to stop (SIGINT, SIGTERM) is noted instead of ending the process, and ends
+// reads and writes that wait (io/descriptor.h); a second one ends the process. A request that the
+// caller ignores stays ignored. Writing to a pipe that nobody reads becomes an error of the write.
 void watchForInterrupt() noexcept;
 
 // Whether a request to stop came since watchForInterrupt().

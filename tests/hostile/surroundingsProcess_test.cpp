@@ -135,6 +135,33 @@ TEST(Interruption, WhileNobodyReadsTheAnswersEndsTheProgram) {
   EXPECT_EQ(outcome.error, "orbseq: interrupted\n");
 }
 
+// The histories come through a pipe that stays open and brings no more. Whichever of the threads
+// the signal reaches, the one that waits for the pipe ends.
+TEST(Interruption, WhileNoHistoryComesEndsTheProgram) {
+  const TempFolder folder;
+  const std::string input = folder.path("histories.csv");
+  ASSERT_EQ(::mkfifo(input.c_str(), 0600), 0);
+  for (int round = 0; round < 8; ++round) {
+    const int fifo = ::open(input.c_str(), O_RDWR | O_CLOEXEC);
+    const std::string rows = "customer,history\n1,(101)\n";
+    ASSERT_EQ(::write(fifo, rows.data(), rows.size()), static_cast<ssize_t>(rows.size()));
+    Program program({"score", "--model", kModel, "--input", input, "--threads", "4"});
+    int waiting = 1;
+    for (int i = 0; i < 10'000 && waiting > 0; ++i) {
+      ::ioctl(fifo, FIONREAD, &waiting);
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    EXPECT_EQ(waiting, 0);
+
+    program.signal(SIGINT);
+    const Outcome outcome = program.wait();
+    ::close(fifo);
+
+    EXPECT_EQ(outcome.status, 130);
+    EXPECT_EQ(outcome.error, "orbseq: interrupted\n");
+  }
+}
+
 // Every command once, each with what it writes.
 struct Commands {
   explicit Commands(const TempFolder& folder) {
