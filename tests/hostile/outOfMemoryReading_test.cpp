@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <istream>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -74,55 +76,52 @@ class MakeTranslator {
 // Nothing may be thrown through the C entry.
 TEST(OutOfMemory, MakingATranslator) { failEveryAllocationOf<MakeTranslator>({End::kReported}); }
 
-// Into a new dictionary, or into one that holds another lattice.
-template <Former kFormer>
-class ReadBinary {
- public:
-  ReadBinary() {
-    if (kFormer == Former::kOther) dictionary_.readObject(other_);
+struct Binary {
+  static std::string valid() { return validBinary(); }
+  static std::string of(const SequenceDictionary& lattice) { return binaryOf(lattice); }
+  static std::uint64_t read(SequenceDictionary& into, std::istream& stream) {
+    return into.readObject(stream);
   }
-  End run() { return dictionary_.readObject(stream_) > 0 ? End::kDone : End::kReported; }
+};
+
+struct ObjectXml {
+  static std::string valid() { return validObjectXml(); }
+  static std::string of(const SequenceDictionary& lattice) { return xmlOf(lattice); }
+  static std::uint64_t read(SequenceDictionary& into, std::istream& stream) {
+    return into.readObjectXML(stream);
+  }
+};
+
+// Into a new dictionary, or into one that holds another lattice.
+template <class Form, Former kFormer>
+class Read {
+ public:
+  Read() {
+    if (kFormer == Former::kOther) Form::read(dictionary_, other_);
+  }
+  End run() { return Form::read(dictionary_, stream_) > 0 ? End::kDone : End::kReported; }
   void check(End end) {
-    if (end != End::kDone) readInto(dictionary_, validBinary());
+    if (end != End::kDone) {
+      std::istringstream again(Form::valid());
+      EXPECT_GT(Form::read(dictionary_, again), 0U);
+    }
     expectValidLattice(dictionary_);
   }
 
  private:
-  static std::string otherBinary() { return binaryOf(Lattice({{"", 5}, {"(8)", 4}}, 3)); }
-
   SequenceDictionary dictionary_;
-  std::istringstream other_{otherBinary()};
-  std::istringstream stream_{validBinary()};
+  std::istringstream other_{Form::of(Lattice({{"", 5}, {"(8)", 4}}, 3))};
+  std::istringstream stream_{Form::valid()};
 };
 
 TEST(OutOfMemory, ReadingBinary) {
-  failEveryAllocationOf<ReadBinary<Former::kNone>>({End::kBadAlloc, End::kDictionaryFailure});
-  failEveryAllocationOf<ReadBinary<Former::kOther>>({End::kBadAlloc, End::kDictionaryFailure});
+  failEveryAllocationOf<Read<Binary, Former::kNone>>({End::kBadAlloc, End::kDictionaryFailure});
+  failEveryAllocationOf<Read<Binary, Former::kOther>>({End::kBadAlloc, End::kDictionaryFailure});
 }
 
-template <Former kFormer>
-class ReadObjectXml {
- public:
-  ReadObjectXml() {
-    if (kFormer == Former::kOther) dictionary_.readObjectXML(other_);
-  }
-  End run() { return dictionary_.readObjectXML(stream_) > 0 ? End::kDone : End::kReported; }
-  void check(End end) {
-    if (end != End::kDone) readXmlInto(dictionary_, validObjectXml());
-    expectValidLattice(dictionary_);
-  }
-
- private:
-  static std::string otherXml() { return xmlOf(Lattice({{"", 5}, {"(8)", 4}}, 3)); }
-
-  SequenceDictionary dictionary_;
-  std::istringstream other_{otherXml()};
-  std::istringstream stream_{validObjectXml()};
-};
-
 TEST(OutOfMemory, ReadingObjectXml) {
-  failEveryAllocationOf<ReadObjectXml<Former::kNone>>({End::kBadAlloc, End::kDictionaryFailure});
-  failEveryAllocationOf<ReadObjectXml<Former::kOther>>({End::kBadAlloc, End::kDictionaryFailure});
+  failEveryAllocationOf<Read<ObjectXml, Former::kNone>>({End::kBadAlloc, End::kDictionaryFailure});
+  failEveryAllocationOf<Read<ObjectXml, Former::kOther>>({End::kBadAlloc, End::kDictionaryFailure});
 }
 
 }  // namespace
