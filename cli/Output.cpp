@@ -5,8 +5,8 @@
 
 #include "cli/exitStatus.h"
 #include "io/IoError.h"
-#include "io/process.h"
 #include "io/descriptor.h"
+#include "io/process.h"
 
 namespace orbseq {
 
