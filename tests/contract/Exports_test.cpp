@@ -3,29 +3,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <memory>
 #include <regex>
 #include <string>
 #include <vector>
 
+#include "tests/contract/commandLines.h"
+
 namespace {
 
+using test::linesOf;
 using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
-
-std::vector<std::string> linesOf(const std::string& command) {
-  std::vector<std::string> lines;
-  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
-  if (!pipe) return lines;
-  char buffer[8192];
-  while (std::fgets(buffer, sizeof buffer, pipe.get()) != nullptr) {
-    lines.emplace_back(buffer);
-    if (!lines.back().empty() && lines.back().back() == '\n') lines.back().pop_back();
-  }
-  return lines;
-}
 
 // A mangled name of one of our namespaces, or of a table of such a class.
 bool isOurs(const std::string& name) {

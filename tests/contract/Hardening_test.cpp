@@ -3,9 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <memory>
 #include <string>
+
+#include "tests/contract/commandLines.h"
 
 namespace {
 
@@ -15,10 +15,7 @@ using testing::Not;
 
 std::string outputOf(const std::string& command) {
   std::string text;
-  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
-  if (!pipe) return text;
-  char buffer[4096];
-  while (std::fgets(buffer, sizeof buffer, pipe.get()) != nullptr) text += buffer;
+  for (const std::string& line : test::linesOf(command)) text += line + '\n';
   return text;
 }
 
