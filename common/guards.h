@@ -1,7 +1,7 @@
 // Names for the checks of what comes from outside, so that a test can take one away and see that
 // what it keeps out then comes in.
 //
-// A check is written `if (isBad && guarded("csv.nul")) refuse`. Built as it is shipped, guarded()
+// A check is written `if (isBad && guarded("csv.NUL")) refuse`. Built as it is shipped, guarded()
 // is always true and costs nothing. Built with ORBSEQ_SWITCHABLE_GUARDS, as the tests are, it is
 // false for the one check that the environment names in ORBSEQ_WITHOUT_GUARD, and the name of
 // every check that refuses is appended, a line each, to the file that ORBSEQ_GUARD_LOG names.

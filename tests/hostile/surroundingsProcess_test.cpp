@@ -54,6 +54,16 @@ std::string endlessWork() {
   return rows;
 }
 
+// The bytes in a FIFO, as soon as they are so many; whatever they are after ten seconds or more.
+int bytesOnceThereAre(int fifo, int wanted) {
+  int bytes = -1;
+  for (int i = 0; i < 10'000 && bytes != wanted; ++i) {
+    ::ioctl(fifo, FIONREAD, &bytes);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  return bytes;
+}
+
 TEST(Interruption, WhileMiningLeavesTheOldModel) {
   for (const int signal : {SIGINT, SIGTERM}) {
     const TempFolder folder;
@@ -89,12 +99,7 @@ TEST(Interruption, WhileSavingLeavesTheOldModel) {
   const int full = ::fcntl(fifo, F_GETPIPE_SZ);
   Program program({"train", "--quiet", "--input", log, "--min-support", "1", "--max-items", "1",
                    "--output", old});
-  int waiting = 0;
-  for (int i = 0; i < 10'000 && waiting < full; ++i) {
-    ::ioctl(fifo, FIONREAD, &waiting);
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  }
-  EXPECT_EQ(waiting, full);
+  EXPECT_EQ(bytesOnceThereAre(fifo, full), full);
   EXPECT_EQ(folder.entries(), 3U) << "the new model is not there under another name";
 
   program.signal(SIGINT);
@@ -119,12 +124,7 @@ TEST(Interruption, WhileNobodyReadsTheAnswersEndsTheProgram) {
   const int fifo = ::open(output.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   const int full = ::fcntl(fifo, F_GETPIPE_SZ);
   Program program({"score", "--model", kModel, "--input", input}, {.outputPath = output});
-  int waiting = 0;
-  for (int i = 0; i < 10'000 && waiting < full; ++i) {
-    ::ioctl(fifo, FIONREAD, &waiting);
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  }
-  EXPECT_EQ(waiting, full);
+  EXPECT_EQ(bytesOnceThereAre(fifo, full), full);
   std::this_thread::sleep_for(std::chrono::milliseconds(50));  // it is in the next write
 
   program.signal(SIGINT);
@@ -146,12 +146,7 @@ TEST(Interruption, WhileNoHistoryComesEndsTheProgram) {
     const std::string rows = "customer,history\n1,(101)\n";
     ASSERT_EQ(::write(fifo, rows.data(), rows.size()), static_cast<ssize_t>(rows.size()));
     Program program({"score", "--model", kModel, "--input", input, "--threads", "4"});
-    int waiting = 1;
-    for (int i = 0; i < 10'000 && waiting > 0; ++i) {
-      ::ioctl(fifo, FIONREAD, &waiting);
-      std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    EXPECT_EQ(waiting, 0);
+    EXPECT_EQ(bytesOnceThereAre(fifo, 0), 0);
 
     program.signal(SIGINT);
     const Outcome outcome = program.wait();
