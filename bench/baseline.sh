@@ -61,33 +61,27 @@ for ((round = 1; round <= rounds; ++round)); do
   out/bench/queries_bench "$data" 1 >> "$folder/figures.txt"
 done
 
-awk '
-  /^[^ ]/ { title = $0 }
-  / us / && match($0, / +[0-9.]+ us /) {
-    name = substr($0, 3, RSTART - 3)
-    key = title SUBSEP name
-    if (!(title in seen)) { seen[title] = 1; titles[++titleCount] = title }
-    if (!(name in known)) { known[name] = 1; names[++nameCount] = name }
-    figures[key, ++count[key]] = substr($0, RSTART, RLENGTH) + 0
-    checksum[key] = $NF
-  }
-  function median(key,    n, i, j, t, v) {
-    n = count[key]
-    for (i = 1; i <= n; ++i) v[i] = figures[key, i]
-    for (i = 2; i <= n; ++i)
-      for (j = i; j > 1 && v[j - 1] > v[j]; --j) { t = v[j]; v[j] = v[j - 1]; v[j - 1] = t }
-    return (v[int((n + 1) / 2)] + v[int((n + 2) / 2)]) / 2
-  }
-  END {
-    for (t = 1; t <= titleCount; ++t) {
-      print titles[t]
-      engine = median(titles[t] SUBSEP "engine, 1 thread")
-      for (k = 1; k <= nameCount; ++k) {
-        key = titles[t] SUBSEP names[k]
-        if (!(key in count)) continue
-        figure = median(key)
-        printf "  %-22s %12.3f us  %8.2f x  checksum %s\n", names[k], figure, figure / engine,
-          checksum[key]
-      }
+awk -f bench/median.awk -f /dev/stdin "$folder/figures.txt" <<'AWK'
+/^[^ ]/ { title = $0 }
+/ us / && match($0, / +[0-9.]+ us /) {
+  name = substr($0, 3, RSTART - 3)
+  key = title SUBSEP name
+  if (!(title in seen)) { seen[title] = 1; titles[++titleCount] = title }
+  if (!(name in known)) { known[name] = 1; names[++nameCount] = name }
+  figures[key, ++count[key]] = substr($0, RSTART, RLENGTH) + 0
+  checksum[key] = $NF
+}
+END {
+  for (t = 1; t <= titleCount; ++t) {
+    print titles[t]
+    engine = median(titles[t] SUBSEP "engine, 1 thread")
+    for (k = 1; k <= nameCount; ++k) {
+      key = titles[t] SUBSEP names[k]
+      if (!(key in count)) continue
+      figure = median(key)
+      printf "  %-22s %12.3f us  %8.2f x  checksum %s\n", names[k], figure, figure / engine,
+        checksum[key]
     }
-  }' "$folder/figures.txt"
+  }
+}
+AWK

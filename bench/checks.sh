@@ -34,22 +34,16 @@ for ((round = 1; round <= rounds; ++round)); do
   done >> "$folder/figures.txt"
 done
 
-awk -F '\t' '
-  { key = $1 SUBSEP $2; figures[key, ++count[key]] = $3
-    if (!($2 in known)) { known[$2] = 1; names[++n] = $2 } }
-  function median(key,    m, i, j, t, v) {
-    m = count[key]
-    for (i = 1; i <= m; ++i) v[i] = figures[key, i] + 0
-    for (i = 2; i <= m; ++i)
-      for (j = i; j > 1 && v[j - 1] > v[j]; --j) { t = v[j]; v[j] = v[j - 1]; v[j - 1] = t }
-    return (v[int((m + 1) / 2)] + v[int((m + 2) / 2)]) / 2
+awk -F '\t' -f bench/median.awk -f /dev/stdin "$folder/figures.txt" <<'AWK'
+{ key = $1 SUBSEP $2; figures[key, ++count[key]] = $3
+  if (!($2 in known)) { known[$2] = 1; names[++n] = $2 } }
+END {
+  printf "%-34s %14s %16s %18s\n", "step", "time", "to unchecked", "to unhardened"
+  for (k = 1; k <= n; ++k) {
+    plain = median("bench" SUBSEP names[k])
+    printf "%-34s %14.6g %16.2f %18.2f\n", names[k], plain,
+      plain / median("bench-unchecked" SUBSEP names[k]),
+      plain / median("bench-unhardened" SUBSEP names[k])
   }
-  END {
-    printf "%-34s %14s %16s %18s\n", "step", "time", "to unchecked", "to unhardened"
-    for (k = 1; k <= n; ++k) {
-      plain = median("bench" SUBSEP names[k])
-      printf "%-34s %14.6g %16.2f %18.2f\n", names[k], plain,
-        plain / median("bench-unchecked" SUBSEP names[k]),
-        plain / median("bench-unhardened" SUBSEP names[k])
-    }
-  }' "$folder/figures.txt"
+}
+AWK

@@ -15,6 +15,7 @@
 #include "fuzz/Choice.h"
 #include "fuzz/answers.h"
 #include "fuzz/check.h"
+#include "fuzz/threeWays.h"
 #include "io/historyText.h"
 #include "tests/support/World.h"
 
@@ -123,23 +124,12 @@ void ask(const orbseq::engine::History& history, const Sets& sets, Choice choice
   using namespace orbseq::test;
   static Model model;
   const Pick way = choice.among(3);
-  const auto check = [](const Answers& answers, const std::vector<Advice>& same) {
+  const auto check = [](const char*, const Answers& answers, const std::vector<Advice>& same) {
     requireSound(answers, 20);
     require(adviceOf(answers) == same, "the dictionary answers differently");
   };
-  Answers current, future, beginnings;
-  if (way.is(0)) {
-    model.recommender.currentItems(history, 20, model.workspace, current);
-    check(current, currentItems(model.dictionary, sets));
-  }
-  if (way.is(1)) {
-    model.recommender.futureItems(history, 20, true, model.workspace, future);
-    check(future, futureItems(model.dictionary, sets));
-  }
-  if (way.is(2)) {
-    model.recommender.futureItems(history, 20, false, model.workspace, beginnings);
-    check(beginnings, futureItems(model.dictionary, sets, 20, false));
-  }
+  orbseq::fuzz::askInWays(way, model.recommender, model.workspace, history, model.dictionary, sets,
+                          20, check);
 }
 
 }  // namespace

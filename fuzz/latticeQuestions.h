@@ -11,18 +11,13 @@
 #include "fuzz/Choice.h"
 #include "fuzz/answers.h"
 #include "fuzz/check.h"
+#include "fuzz/threeWays.h"
 #include "lattice/SequenceDictionary.h"
 #include "tests/support/World.h"
 
 namespace orbseq::fuzz {
 
 using AllAnswers = std::vector<std::vector<test::Advice>>;
-
-inline engine::History engineHistory(const test::History& sets) {
-  engine::History history;
-  for (const test::Items& set : sets) history.addSet(set);
-  return history;
-}
 
 // The answers for one of three customers, asked for in one of three ways: which, the choice tells,
 // and a copy of it tells the same for another dictionary.
@@ -34,28 +29,16 @@ inline AllAnswers askBoth(const test::SequenceDictionary& dictionary, Choice cho
   const engine::Recommender recommender(compiled);
   engine::Workspace workspace;
   AllAnswers all;
-  const auto check = [&all](const engine::Answers& answers, const std::vector<test::Advice>& same) {
+  const auto check = [&all](const char*, const engine::Answers& answers,
+                            const std::vector<test::Advice>& same) {
     requireSound(answers, 20);
     all.push_back(test::adviceOf(answers));
     require(all.back() == same, "the compiled lattice answers differently");
   };
   for (std::size_t k = 0; k < histories.size(); ++k) {
     if (!customer.is(k)) continue;
-    const test::History& history = histories[k];
-    const engine::History asked = engineHistory(history);
-    engine::Answers current, future, beginnings;
-    if (way.is(0)) {
-      recommender.currentItems(asked, 20, workspace, current);
-      check(current, test::currentItems(dictionary, history));
-    }
-    if (way.is(1)) {
-      recommender.futureItems(asked, 20, true, workspace, future);
-      check(future, test::futureItems(dictionary, history));
-    }
-    if (way.is(2)) {
-      recommender.futureItems(asked, 20, false, workspace, beginnings);
-      check(beginnings, test::futureItems(dictionary, history, 20, false));
-    }
+    askInWays(way, recommender, workspace, engineHistory(histories[k]), dictionary, histories[k],
+              20, check);
   }
   return all;
 }

@@ -18,6 +18,7 @@
 #include "fuzz/Bytes.h"
 #include "fuzz/Choice.h"
 #include "fuzz/check.h"
+#include "fuzz/threeWays.h"
 #include "tests/support/World.h"
 
 namespace {
@@ -204,25 +205,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (int asked = 0; asked < 2 || (maker.hasMore() && asked < kHistories); ++asked) {
     const int maxCount = maker.maxCount();
     const History history = maker.history(asked == 0 ? 0 : 5);
-    orbseq::engine::History sets;
-    for (const Items& set : history) sets.addSet(set);
-    const Pick way = choice.among(3);
-    orbseq::engine::Answers current, whole, beginnings;
-    if (way.is(0)) {
-      recommender.currentItems(sets, maxCount, workspace, current);
-      compare(currentItems(maker.dictionary(), history, maxCount), current, "current items",
-              history);
-    }
-    if (way.is(1)) {
-      recommender.futureItems(sets, maxCount, true, workspace, whole);
-      compare(futureItems(maker.dictionary(), history, maxCount, true), whole, "future items",
-              history);
-    }
-    if (way.is(2)) {
-      recommender.futureItems(sets, maxCount, false, workspace, beginnings);
-      compare(futureItems(maker.dictionary(), history, maxCount, false), beginnings,
-              "future items of every beginning", history);
-    }
+    const auto check = [&history](const char* question, const orbseq::engine::Answers& answers,
+                                  const std::vector<Advice>& dictionarys) {
+      compare(dictionarys, answers, question, history);
+    };
+    orbseq::fuzz::askInWays(choice.among(3), recommender, workspace,
+                            orbseq::fuzz::engineHistory(history), maker.dictionary(), history,
+                            maxCount, check);
   }
   return 0;
 }

@@ -13,6 +13,7 @@
 #include <string>
 
 #include "io/IoError.h"
+#include "tests/support/Program.h"
 #include "tests/support/TempFolder.h"
 
 namespace {
@@ -23,6 +24,7 @@ using orbseq::AtomicFile;
 using orbseq::FileError;
 using orbseq::test::contentOf;
 using orbseq::test::errorOf;
+using orbseq::test::kNobody;
 using orbseq::test::TempFolder;
 using testing::EndsWith;
 
@@ -204,7 +206,7 @@ TEST(AtomicFile, AFileThatMayNotBeWrittenIsNotReplaced) {
 
   const pid_t child = ::fork();
   if (child == 0) {
-    const bool plain = ::geteuid() != 0 || ::seteuid(65534) == 0;
+    const bool plain = ::geteuid() != 0 || ::seteuid(kNobody) == 0;
     const std::string error = errorOf<FileError>([&] { AtomicFile file(path); });
     ::_exit(plain && error.ends_with("/f: cannot write: Permission denied") ? 0 : 1);
   }

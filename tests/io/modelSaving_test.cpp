@@ -14,6 +14,7 @@
 #include "io/IoError.h"
 #include "io/ModelFile.h"
 #include "tests/io/modelSamples.h"
+#include "tests/support/Program.h"
 #include "tests/support/TempFolder.h"
 
 namespace {
@@ -46,7 +47,7 @@ int statusOf(Operation operation) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-bool givesUpRights() { return ::geteuid() != 0 || ::seteuid(65534) == 0; }
+bool givesUpRights() { return ::geteuid() != 0 || ::seteuid(kNobody) == 0; }
 
 TEST(ModelSaving, LabelsOfBinaryAndObjectXmlGoBeside) {
   const TempFolder folder;
