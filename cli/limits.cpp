@@ -6,10 +6,6 @@
 #include <limits>
 
 #include "common/Limits.h"
-#include "io/JsonRecord.h"
-#include "io/LogBuilder.h"
-#include "io/SqliteQuery.h"
-#include "io/TextSource.h"
 
 namespace orbseq {
 
@@ -52,12 +48,14 @@ std::string limitsText() {
       fixed("csv: bytes of a field", csv.fieldBytes),
       fixed("csv: fields of a row", csv.fields),
       fixed("csv and lines: bytes of a row", csv.rowBytes),
-      fixed("json: arrays and objects inside one another", JsonRecord::kDepth),
-      fixed("log: different items that are texts", LogBuilder::Options().mostTexts),
-      fixed("log: bytes of an item or a description", LogBuilder::kMostTextBytes),
-      fixed("gzip: bytes for each compressed one", TextSource::kMostExpansion),
-      fixed("database in memory: bytes", SqliteQuery::kMostMemory),
-      fixed("database: bytes of a text or a row", SqliteQuery::kMostBytes),
+      fixed("labels beside a model: bytes of a field", kLabelLimits.fieldBytes),
+      fixed("labels beside a model: bytes of a row", kLabelLimits.rowBytes),
+      fixed("json: arrays and objects inside one another", LogLimits::kJsonDepth),
+      fixed("log: different items that are texts", LogLimits::kTexts),
+      fixed("log: bytes of an item or a description", LogLimits::kTextBytes),
+      fixed("gzip: bytes for each compressed one", LogLimits::kGzipExpansion),
+      fixed("database in memory: bytes", LogLimits::kDatabaseInMemory),
+      fixed("database: bytes of a text or a row", LogLimits::kDatabaseBytes),
       {"history: bytes", usual.textBytes, strangers.textBytes, "--max-case-bytes"},
       {"history: item sets", usual.sets, strangers.sets, "--max-case-sets"},
       {"history: items of its sets", usual.items, strangers.items, "--max-case-items"},

@@ -18,6 +18,7 @@
 #include "cli/TableWriter.h"
 #include "cli/messages.h"
 #include "cli/parallel.h"
+#include "common/Limits.h"
 #include "engine/inOrder.h"
 #include "host/PluginLoader.h"
 #include "host/SafeDocument.h"
@@ -227,6 +228,8 @@ ExitStatus runScore(const ScoreOptions& options) {
   if (!options.module.empty() && isLimited(options.cases))
     throw UsageError(
         "--module: a plug-in searches without limits; leave out --limits and --max-case-...");
+  if (!options.module.empty() && mostInChain() != kMostInChain)
+    throw UsageError("--module: a plug-in has its own limit of chains; leave out --max-chain");
   LogOptions logOptions = logOptionsOf(options.log);
   const ScoringModel loaded = loadModel(options);
   const ItemNames names(loaded.labels);

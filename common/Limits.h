@@ -54,6 +54,21 @@ struct CsvLimits {
   std::size_t rowBytes = std::size_t{1} << 24U;    // bytes of one row's fields together
 };
 
+// Of the labels that stand beside a model: one may be as long as a document holds.
+constexpr CsvLimits kLabelLimits = {.fieldBytes = std::size_t{1} << 26U,
+                                    .fields = CsvLimits().fields,
+                                    .rowBytes = std::size_t{1} << 27U};
+
+// Of logs and histories in their other forms.
+struct LogLimits {
+  static constexpr std::size_t kTexts = 4'000'000;                  // different items
+  static constexpr std::size_t kTextBytes = std::size_t{1} << 20U;  // of an item, a description
+  static constexpr int kJsonDepth = 64;                  // objects and arrays inside one another
+  static constexpr std::uintmax_t kGzipExpansion = 100;  // times its size; logs come to some 20
+  static constexpr std::size_t kDatabaseInMemory = std::size_t{4} << 30U;  // bytes
+  static constexpr int kDatabaseBytes = 16 << 20;                          // of a text, of a row
+};
+
 // Of a case: a customer's history as text, and the search for its answers. By default there is
 // none; strangers() is for services that face the world.
 struct CaseLimits {

@@ -39,12 +39,6 @@ constexpr Name kItemset = {"Itemset", u"Itemset"};
 constexpr Name kLevel = {"LatticeLevel", u"LatticeLevel"};
 constexpr Name kSequence = {"Sequence", u"Sequence"};
 
-// The positions of extensions: joining a set or opening one before, between and behind the sets.
-std::string positionsOf(std::int32_t sets) {
-  const std::string behind = std::to_string(2 * sets + 1);
-  return sets == 0 ? behind : "0.." + std::to_string(2 * sets - 1) + ", " + behind;
-}
-
 std::size_t index(std::int32_t id) { return static_cast<std::size_t>(id) - 1; }
 
 const DOMElement* firstBelow(const DOMElement* element, const Name& name) {
@@ -175,6 +169,10 @@ std::unique_ptr<TimedItemSet> Reader::readItemSet(const DomPlace& itemSet) const
 void Reader::readLevels(const DomPlace& statistics) {
   const std::int64_t count = static_cast<std::int64_t>(tables_.maxSequenceSize) + 1;
   const DOMElement* element = firstOf(statistics, u"maxSequenceSize", kLevel, count);
+  if (count > LatticeLimits::kLevels && guarded("document.levels"))
+    statistics.refuse(u"maxSequenceSize", std::to_string(tables_.maxSequenceSize) +
+                                              " is outside -1.." +
+                                              std::to_string(LatticeLimits::kLevels - 1));
   tables_.levels.resize(static_cast<std::size_t>(count));
   for (std::int64_t k = 1; k <= count; ++k) {
     readLevel(DomPlace(root_, kLevel.text, k, element));
@@ -242,14 +240,16 @@ void Reader::readAdjacency(const DomPlace& list, const NTSequence& key,
   for (std::int32_t k = 1; k <= count; ++k) {
     const DomPlace entry(list, "AdjacentItem", k, element);
     const auto highest = static_cast<std::int32_t>(items_.size());
-    const std::int32_t reference = entry.integer(u"itemRef", kNoItem, highest);
-    if (reference == 0 && guarded("document.AdjacentItem 0"))
-      entry.refuse(u"itemRef", "0 is outside 1.." + std::to_string(highest) + " and not -1");
+    const std::int32_t reference = entry.integer(u"itemRef");
+    if ((reference < 1 || reference > highest) && reference != kNoItem &&
+        guarded("document.AdjacentItem"))
+      entry.refuse(u"itemRef", std::to_string(reference) + " is outside 1.." +
+                                   std::to_string(highest) + " and not -1");
     const std::int32_t position = entry.integer(u"position", 0, 2 * key.getNSets() + 1);
     if (!key.isPosition(position) && guarded("document.position"))
       entry.refuse(u"position", std::to_string(position) + " names no extension of a sequence of " +
                                     std::to_string(key.getNSets()) +
-                                    " item sets (allowed: " + positionsOf(key.getNSets()) + ")");
+                                    " item sets (allowed: " + key.positionsText() + ")");
     if (reference != kNoItem) counter.addAdjacentItem(items_[index(reference)], position);
     element = BaseTranslator::GetNextSiblingElt(element);
   }

@@ -2,10 +2,13 @@
 
 #include <exception>
 #include <filesystem>
+#include <memory>
 #include <new>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
+#include "common/OrbStatus.h"
 #include "common/guards.h"
 #include "host/DynamicLibrary.h"
 #include "host/EnvironmentError.h"
@@ -32,6 +35,10 @@ std::string withName(const std::string& name, const std::string& message) {
 // place, so that nothing in flight has a type, or an owner, that goes with the library.
 [[noreturn]] void rethrowAsOwn(const std::string& name) {
   constexpr std::size_t kMaxBytes = 1024;
+  const auto failure = [&name](std::string_view reason) {
+    return QuException(QuErrorFormater::Format(name, "the plug-in failed",
+                                               oneLine(reason, kMaxBytes, /*quoted=*/false)));
+  };
   try {
     throw;
   } catch (const EnvironmentError& error) {
@@ -41,11 +48,14 @@ std::string withName(const std::string& name, const std::string& message) {
   } catch (const std::bad_alloc&) {
     throw std::bad_alloc();
   } catch (const std::exception& error) {
-    throw QuException(QuErrorFormater::Format(name, "the plug-in failed",
-                                              oneLine(error.what(), kMaxBytes, /*quoted=*/false)));
+    throw failure(error.what());
+  } catch (const std::exception* error) {  // whoever catches a pointer owns it
+    const std::unique_ptr<const std::exception> owned(error);
+    throw failure(owned ? owned->what() : "it threw a null pointer");
+  } catch (const OrbCommon_830::OrbStatus& status) {
+    throw failure("it threw the status " + std::to_string(status.GetErrorCode()));
   } catch (...) {
-    throw QuException(QuErrorFormater::Format(name, "the plug-in failed",
-                                              "it threw an exception of an unknown type"));
+    throw failure("it threw an exception of an unknown type");
   }
 }
 

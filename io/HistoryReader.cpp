@@ -8,7 +8,7 @@ HistoryReader::Reader HistoryReader::open(const std::string& path, const LogOpti
   if (options.format == LogFormat::kJsonLines) return JsonHistoryReader(path, options.builder);
   if (options.format != LogFormat::kCsv && options.format != LogFormat::kTsv)
     return LogHistoryReader(readLog(path, options), path == "-" ? "standard input" : path);
-  CsvReader rows = openRows(path, options.format);
+  CsvReader rows = openRows(path, options);
   if (hasHistories(rows, options)) return CsvHistoryReader(std::move(rows), options.customer);
   std::string name = rows.name();
   return LogHistoryReader(readLog(std::move(rows), options), std::move(name));

@@ -23,12 +23,14 @@
 #include <string>
 #include <vector>
 
+#include "common/Limits.h"
+
 namespace orbseq {
 
 class LineReader;
 
 struct JsonRecord {
-  static constexpr int kDepth = 64;  // most objects and arrays inside one another
+  static constexpr int kDepth = LogLimits::kJsonDepth;
 
   std::string customer;
   std::optional<std::string> history;             // or else

@@ -22,6 +22,7 @@
 #include <string_view>
 #include <vector>
 
+#include "common/Limits.h"
 #include "io/ItemNames.h"
 #include "io/TextMap.h"
 #include "io/TransactionLog.h"
@@ -36,11 +37,11 @@ class LogBuilder {
   struct Options {
     ItemKind items = ItemKind::kAuto;
     std::optional<Period> basket;
-    const ItemNames* known = nullptr;   // look items up; null: number them
-    std::size_t mostTexts = 4'000'000;  // different items that are texts
+    const ItemNames* known = nullptr;           // look items up; null: number them
+    std::size_t mostTexts = LogLimits::kTexts;  // different items that are texts
   };
 
-  static constexpr std::size_t kMostTextBytes = std::size_t{1} << 20U;  // of an item, a description
+  static constexpr std::size_t kMostTextBytes = LogLimits::kTextBytes;  // of an item, a description
 
   // A limit was hit: what it was, without a place. The builder can only be destroyed.
   class Full : public std::runtime_error {

@@ -12,8 +12,8 @@
 
 namespace orbseq {
 
-CsvReader openRows(const std::string& path, LogFormat format) {
-  return CsvReader(path, {}, format == LogFormat::kTsv ? '\t' : ',');
+CsvReader openRows(const std::string& path, const LogOptions& options) {
+  return CsvReader(path, options.csv, options.format == LogFormat::kTsv ? '\t' : ',');
 }
 
 bool hasHistories(const CsvReader& rows, const LogOptions& options) {
@@ -30,7 +30,7 @@ bool hasHistories(const CsvReader& rows, const LogOptions& options) {
 
 TransactionLog readLog(const std::string& path, const LogOptions& options) {
   if (options.format == LogFormat::kCsv || options.format == LogFormat::kTsv)
-    return readLog(openRows(path, options.format), options);
+    return readLog(openRows(path, options), options);
   LogReading reading(options);
   ItemLabelMap names;
   if (options.format == LogFormat::kSpmf) names = readSpmf(path, reading);

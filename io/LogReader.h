@@ -32,6 +32,7 @@
 #include <optional>
 #include <string>
 
+#include "common/Limits.h"
 #include "io/LogBuilder.h"
 #include "io/LogFormat.h"
 #include "io/TransactionLog.h"
@@ -50,6 +51,7 @@ struct LogOptions {
   std::string label;  // of descriptions; empty: there are none
   std::string query;  // of sqlite: one statement that reads
   LogBuilder::Options builder;
+  CsvLimits csv;
   std::size_t skipBadRows = 0;
 
   // Called every few thousand rows with the rows and bytes read so far, and the file's bytes where
@@ -63,7 +65,7 @@ TransactionLog readLog(const std::string& path, const LogOptions& options);
 
 // The same in steps, for those who want to see the header first: csv or tsv, opened; whether its
 // rows are histories (InputError when it has neither those nor items); and the log in it.
-CsvReader openRows(const std::string& path, LogFormat format);
+CsvReader openRows(const std::string& path, const LogOptions& options);
 bool hasHistories(const CsvReader& rows, const LogOptions& options);
 TransactionLog readLog(CsvReader rows, const LogOptions& options);
 

@@ -36,6 +36,7 @@
 #include "sequence/NTSequence.h"
 #include "sequence/SeqExceptions.h"
 #include "sequence/SequenceCounter.h"
+#include "sequence/errorText.h"
 #include "xml/XMLDocType.h"
 #include "xml/XMLObj.h"
 
@@ -166,9 +167,8 @@ std::unique_ptr<Lattice> readBinary(SourceStream& source) {
     throw InputError(source.name(), 0, owned->what());
   }
   if (source.peek() != std::char_traits<char>::eof() && guarded("model.bytes behind"))
-    throw InputError(
-        source.name(), 0,
-        "offset " + std::to_string(source.offset()) + ": bytes after the end of the lattice");
+    throw InputError(source.name(), 0,
+                     offsetText(source.offset()) + ": bytes after the end of the lattice");
   return lattice;
 }
 
@@ -189,7 +189,8 @@ std::unique_ptr<Lattice> readObjectXml(SourceStream& source) {
     refuseObjectXml(source, owned->what());
   }
   if (lines == 0 && guarded("model.object-XML"))
-    refuseObjectXml(source, "this is not what should stand here");
+    refuseObjectXml(source, OrbScore::QuErrorFormater::Quote(source.lineText()) +
+                                " is not what should stand here, or goes beyond a limit");
   std::string rest;
   std::getline(source, rest);
   rest.resize(rest.find_last_not_of(" \t\r") + 1);
@@ -213,16 +214,12 @@ Model modelIn(const std::string& path, SourceStream& source, ModelForm form,
     throw InputError(source.name(), 0,
                      "a compiled form holds no lattice; it can be scored with, from a file");
   Model model;
-  try {
-    if (form == ModelForm::kBinary)
-      model.lattice = readBinary(source);
-    else if (form == ModelForm::kObjectXml)
-      model.lattice = readObjectXml(source);
-    else
-      model = modelOf(documentIn(path, source, limits));
-  } catch (const SeqExceptions::DictionaryFailure&) {
-    throw std::bad_alloc();
-  }
+  if (form == ModelForm::kBinary)
+    model.lattice = readBinary(source);
+  else if (form == ModelForm::kObjectXml)
+    model.lattice = readObjectXml(source);
+  else
+    model = modelOf(documentIn(path, source, limits));
   if (form != ModelForm::kDocument) checkCounts(source.name(), *model.lattice);
   addLabelsBeside(path, model.labels);
   if (!model.labels.empty()) dropForeignLabels(model);

@@ -44,6 +44,11 @@ class SourceStream::Buffer final : public std::streambuf {
     const char latest = gptr() != eback() ? gptr()[-1] : last_;
     return lines_ + linesTo(gptr()) + (latest == '\n' ? 0 : 1);
   }
+  std::string_view lineText() const noexcept {
+    std::string_view text(eback(), static_cast<std::size_t>(gptr() - eback()));
+    if (text.ends_with('\n')) text.remove_suffix(1);
+    return text.substr(text.rfind('\n') + 1);  // from 0 where there is none
+  }
   int error() const noexcept { return error_; }
 
  protected:
@@ -98,5 +103,7 @@ void SourceStream::throwIfUnreadable() const {
 std::uint64_t SourceStream::offset() const noexcept { return buffer_->offset(); }
 
 std::size_t SourceStream::line() const noexcept { return buffer_->line(); }
+
+std::string_view SourceStream::lineText() const noexcept { return buffer_->lineText(); }
 
 }  // namespace orbseq

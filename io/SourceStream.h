@@ -34,6 +34,9 @@ class SourceStream : public std::istream {
 
   std::uint64_t offset() const noexcept;  // bytes consumed
   std::size_t line() const noexcept;      // of the latest byte consumed, from 1
+  // What that line says as far as it is consumed and still held, without its line feed; valid until
+  // more is read.
+  std::string_view lineText() const noexcept;
 
  private:
   class Buffer;

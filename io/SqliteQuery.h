@@ -17,12 +17,14 @@
 #include <string>
 #include <string_view>
 
+#include "common/Limits.h"
+
 namespace orbseq {
 
 class SqliteQuery {
  public:
-  static constexpr std::size_t kMostMemory = std::size_t{4} << 30U;
-  static constexpr int kMostBytes = 16 << 20;  // of a text, and of a row
+  static constexpr std::size_t kMostMemory = LogLimits::kDatabaseInMemory;
+  static constexpr int kMostBytes = LogLimits::kDatabaseBytes;  // of a text, and of a row
 
   // Requires mostMemory <= kMostMemory.
   SqliteQuery(const std::string& path, const std::string& sql,

@@ -22,11 +22,13 @@
 #include <string>
 #include <string_view>
 
+#include "common/Limits.h"
+
 namespace orbseq {
 
 class TextSource {
  public:
-  static constexpr std::uintmax_t kMostExpansion = 100;  // logs come to some 20
+  static constexpr std::uintmax_t kMostExpansion = LogLimits::kGzipExpansion;
 
   explicit TextSource(const std::string& path);
   ~TextSource();

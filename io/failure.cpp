@@ -43,8 +43,6 @@ Failure currentFailure() {
     throw;
   } catch (const std::bad_alloc&) {
     return {FailureKind::kEnvironment, "out of memory"};
-  } catch (const SeqExceptions::DictionaryFailure&) {
-    return {FailureKind::kEnvironment, "out of memory"};
   } catch (const std::exception& exception) {
     return {kindOf(exception), exception.what()};
   } catch (const SeqExceptions::IOException*) {

@@ -13,15 +13,12 @@
 #include "io/IoError.h"
 #include "io/csvField.h"
 #include "scoring/hostapi/DictVar.h"
+#include "scoring/hostapi/QuErrorFormater.h"
 #include "scoring/hostapi/ScoreDictionary.h"
 
 namespace orbseq {
 
 namespace {
-
-// A label may be as long as a document of the default limit holds.
-constexpr CsvLimits kLimits = {.fieldBytes = std::size_t{1} << 26U,
-                               .rowBytes = std::size_t{1} << 27U};
 
 std::optional<std::int32_t> itemOf(std::string_view text) {
   std::int32_t item = 0;
@@ -65,14 +62,15 @@ void addLabelsBeside(const std::string& modelPath, ItemLabelMap& labels) {
   const std::string path = labelFileOf(modelPath);
   std::error_code ignored;
   if (modelPath == "-" || !std::filesystem::exists(path, ignored)) return;
-  CsvReader reader(path, kLimits);
+  CsvReader reader(path, kLabelLimits);
   const std::size_t item = reader.columnOf("item");
   const std::size_t label = reader.columnOf("label");
   while (reader.next()) {
     const auto number = itemOf(reader.field(item));
     if (!number && guarded("labels.item"))
       throw InputError(reader.name(), reader.row(), item + 1,
-                       "the item is no number in -2147483648..2147483647");
+                       OrbScore::QuErrorFormater::Quote(reader.field(item)) +
+                           " is no item number in -2147483648..2147483647");
     if (!reader.field(label).empty()) labels.emplace(*number, reader.field(label));
   }
 }

@@ -14,7 +14,6 @@
 #include "lattice/statusCodes.h"
 #include "sequence/HashtableSQPair.h"
 #include "sequence/NTSequence.h"
-#include "sequence/SeqExceptions.h"
 #include "sequence/SequenceCounter.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
@@ -114,9 +113,7 @@ OrbCommon_830::OrbStatus SequenceDictionary::buildLattice() {
       }
     }
     linker.finish();
-  } catch (const std::bad_alloc&) {
-    return {kFailure, false};
-  } catch (const SeqExceptions::DictionaryFailure&) {
+  } catch (const std::bad_alloc&) {  // DictionaryFailure among them
     return {kFailure, false};
   }
   latticeBuilt_ = true;

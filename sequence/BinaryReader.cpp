@@ -2,16 +2,31 @@
 
 #include <array>
 #include <bit>
-#include <cstdio>
 #include <cstring>
 #include <istream>
 
 #include "common/guards.h"
 #include "sequence/SeqExceptions.h"
+#include "sequence/errorText.h"
 
 namespace SEQUENCE_NAMESPACE_800 {
 
 using orbseq::guarded;
+
+namespace {
+
+// Each byte as " 53".
+std::string hexadecimal(std::string_view bytes) {
+  constexpr char kDigits[] = "0123456789ABCDEF";
+  std::string text;
+  for (const char c : bytes) {
+    const auto byte = static_cast<unsigned char>(c);
+    text += {' ', kDigits[byte >> 4U], kDigits[byte & 0xFU]};
+  }
+  return text;
+}
+
+}  // namespace
 
 static_assert(std::endian::native == std::endian::little, "the stored order is the machine's");
 
@@ -28,8 +43,9 @@ void BinaryReader::marker(std::string_view expected) {
   std::array<char, 4> found{};
   bytes("marker", found.data(), expected.size());
   if (std::string_view(found.data(), expected.size()) != expected &&
-      guarded("binary.marker ", expected.data()))
-    refuse("marker", "is not \"" + std::string(expected.data()) + "\"");
+      guarded("binary.marker ", expected.data(), expected.ends_with('\0') ? " and NUL" : ""))
+    refuse("marker", "is not \"" + std::string(expected.data()) + "\" but" +
+                         hexadecimal({found.data(), expected.size()}));
 }
 
 char BinaryReader::byte(const char* field) {
@@ -57,12 +73,10 @@ double BinaryReader::real(const char* field) {
   return value;
 }
 
-void BinaryReader::refuse(const char* field, const std::string& detail) const {
+void BinaryReader::refuseAt(std::uint64_t begin, const char* field,
+                            const std::string& detail) const {
   orbseq::print(message_, in_);
-  std::array<char, 32> offset;
-  std::snprintf(offset.data(), offset.size(), "offset 0x%llX",
-                static_cast<unsigned long long>(fieldBegin_));
-  std::string place = offset.data();
+  std::string place = orbseq::offsetText(begin);
   if (level_ >= 0) place += ", level " + std::to_string(level_);
   if (entry_ >= 0) place += ", entry " + std::to_string(entry_);
   throw new SeqExceptions::IOException(place + ", " + field + ": " + detail);

@@ -55,8 +55,14 @@ class BinaryReader {
                        std::int32_t highest = std::numeric_limits<std::int32_t>::max());
   double real(const char* field);
 
-  // `field` is the one that was read last.
-  [[noreturn]] void refuse(const char* field, const std::string& detail) const;
+  std::uint64_t offset() const noexcept { return offset_; }  // bytes read so far
+
+  // `field` is the one that was read last, or the one that begins at an offset.
+  [[noreturn]] void refuse(const char* field, const std::string& detail) const {
+    refuseAt(fieldBegin_, field, detail);
+  }
+  [[noreturn]] void refuseAt(std::uint64_t begin, const char* field,
+                             const std::string& detail) const;
 
  private:
   void bytes(const char* field, char* to, std::size_t count);

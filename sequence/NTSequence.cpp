@@ -234,6 +234,11 @@ bool NTSequence::isPosition(std::int32_t position) const noexcept {
   return position % 2 != 0 || position < 2 * sets;
 }
 
+std::string NTSequence::positionsText() const {
+  const std::string behind = std::to_string(2 * setCount_ + 1);
+  return setCount_ == 0 ? behind : "0.." + std::to_string(2 * setCount_ - 1) + ", " + behind;
+}
+
 std::int32_t NTSequence::getItemIndex(std::int32_t item) const noexcept {
   const auto all = items();
   const auto found = std::find(all.begin(), all.end(), item);

@@ -85,6 +85,7 @@ class ORBSEQ_EXPORT NTSequence {
   }
   // Whether `position` names an extension: 0, 2 .. 2 (sets - 1) or 1, 3 .. 2 sets + 1.
   bool isPosition(std::int32_t position) const noexcept;
+  std::string positionsText() const;  // those positions, for messages: "0..3, 5"
 
   std::int32_t getItemIndex(std::int32_t item) const noexcept;  // first flat position, or -1
   // Items of a set (0-based); 0 when there is no such set.

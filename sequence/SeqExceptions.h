@@ -9,6 +9,7 @@
 #define SEQUENCE_SEQEXCEPTIONS_H_
 
 #include <exception>
+#include <new>
 #include <string>
 
 #include "common/OrbExport.h"
@@ -17,7 +18,8 @@ namespace SEQUENCE_NAMESPACE_800 {
 
 class ORBSEQ_EXPORT SeqExceptions {
  public:
-  class ORBSEQ_EXPORT DictionaryFailure : public std::exception {
+  // Memory ran out, and so it is caught where that is.
+  class ORBSEQ_EXPORT DictionaryFailure : public std::bad_alloc {
    public:
     explicit DictionaryFailure(char code = 0) noexcept : code_(code) {}
     ~DictionaryFailure() override;

@@ -24,6 +24,7 @@
 namespace SEQUENCE_NAMESPACE_800 {
 
 class BinaryReader;
+class NTSequence;
 
 class ORBSEQ_EXPORT SequenceCounter {
  public:
@@ -79,7 +80,8 @@ class ORBSEQ_EXPORT SequenceCounter {
   std::uint64_t writeObject(std::fstream& file) const;
   std::uint64_t readObject(std::istream& is);
   std::uint64_t readObject(std::fstream& file);
-  std::uint64_t readObject(BinaryReader& reader);
+  // With the sequence that is counted, positions that name no extension of it are refused.
+  std::uint64_t readObject(BinaryReader& reader, const NTSequence* key = nullptr);
   std::uint64_t writeObjectXML(std::ostream& os) const;
   std::uint64_t readObjectXML(std::istream& is);
   std::uint64_t readObjectXML(std::fstream& file);
@@ -87,7 +89,7 @@ class ORBSEQ_EXPORT SequenceCounter {
  private:
   std::uint64_t binaryCount() const noexcept;
   std::uint64_t xmlLines() const noexcept;
-  static std::unique_ptr<AdjacentItems> readAdjacency(BinaryReader& reader);
+  static std::unique_ptr<AdjacentItems> readAdjacency(BinaryReader& reader, const NTSequence* key);
   static std::unique_ptr<StatsBucket> readStatistics(BinaryReader& reader);
 
   std::int32_t count_ = 0;

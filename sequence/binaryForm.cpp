@@ -31,6 +31,7 @@ using orbseq::Message;
 
 namespace {
 
+constexpr const char* kOutsideNatural = " is outside 0..2147483647";
 constexpr std::string_view kStatisticsMarker = "SB";
 constexpr std::string_view kSequenceMarker("NT:\0", 4);
 constexpr std::string_view kCounterMarker("SD\0", 3);
@@ -160,13 +161,13 @@ std::uint64_t SequenceCounter::readObject(std::istream& is) {
   return readObject(reader);
 }
 
-std::uint64_t SequenceCounter::readObject(BinaryReader& reader) {
+std::uint64_t SequenceCounter::readObject(BinaryReader& reader, const NTSequence* key) {
   const BinaryReader::Object object(reader, Message::kReadingCounter);
   reader.marker(kCounterMarker);
   const std::int32_t count = reader.integer("count");
   const std::int32_t ordinal = reader.integer("ordinal of entry");
   const std::int32_t maxMissed = reader.integer("max missed");
-  auto adjacent = readAdjacency(reader);
+  auto adjacent = readAdjacency(reader, key);
   auto stats = readStatistics(reader);
 
   count_ = count;
@@ -180,19 +181,26 @@ std::uint64_t SequenceCounter::readObject(BinaryReader& reader) {
 }
 
 std::unique_ptr<SequenceCounter::AdjacentItems> SequenceCounter::readAdjacency(
-    BinaryReader& reader) {
+    BinaryReader& reader, const NTSequence* key) {
   std::int32_t count = 0;
   {
     count = reader.integer("number of adjacent items");
     const BinaryReader::Object object(reader, Message::kReadingAdjacency);
     if (count < 0 && guarded("binary.adjacency count"))
-      reader.refuse("number of adjacent items", std::to_string(count) + " is below 0");
+      reader.refuse("number of adjacent items", std::to_string(count) + kOutsideNatural);
   }
   if (count == 0) return nullptr;
   auto adjacent = std::make_unique<AdjacentItems>();
   for (std::int32_t i = 0; i < count; ++i) {
     const std::int32_t item = reader.integer("adjacent item");
     const std::int32_t position = reader.integer("adjacent position");
+    if (key != nullptr && !key->isPosition(position) && guarded("binary.position")) {
+      const BinaryReader::Object object(reader, Message::kReadingTable);
+      reader.refuse("adjacent position", std::to_string(position) +
+                                             " names no extension of a sequence of " +
+                                             std::to_string(key->getNSets()) +
+                                             " item sets (allowed: " + key->positionsText() + ")");
+    }
     adjacent->emplace_hint(adjacent->end(), item, position);
   }
   return adjacent;
@@ -203,7 +211,7 @@ std::unique_ptr<StatsBucket> SequenceCounter::readStatistics(BinaryReader& reade
   if (flag == 0) return nullptr;
   if (flag < 0 && guarded("binary.statistics flag")) {
     const BinaryReader::Object object(reader, Message::kReadingStatistics);
-    reader.refuse("statistics flag", std::to_string(flag) + " is below 0");
+    reader.refuse("statistics flag", std::to_string(flag) + kOutsideNatural);
   }
   auto stats = std::make_unique<StatsBucket>();
   stats->readObject(reader);
@@ -236,17 +244,16 @@ std::uint64_t HashtableSQPair::readObject(BinaryReader& reader) {
   std::uint64_t total = kTableHeadCount;
   for (std::int32_t i = 0; i < count; ++i) {
     reader.setEntry(i);
+    const std::uint64_t begin = reader.offset();
     auto key = std::make_unique<NTSequence>();
     total += key->readObject(reader);
     auto counter = std::make_unique<SequenceCounter>();
-    total += counter->readObject(reader);
-    if (orbseq::kGuards && !fits(*key, *counter) && guarded("binary.position"))
-      reader.refuse("adjacent position", "names no extension of a sequence of " +
-                                             std::to_string(key->getNSets()) + " item sets");
+    total += counter->readObject(reader, key.get());
     if (const std::int32_t most = orbseq::mostInChain();
         orbseq::kGuards && chainLength(key.get(), most) == most && guarded("binary.chain"))
-      reader.refuse("items",
-                    "more than " + std::to_string(most) + " sequences of the level share a bucket");
+      reader.refuseAt(
+          begin, "sequence",
+          "more than " + std::to_string(most) + " sequences of the level share a bucket");
     putOverwrite(key.get(), counter.get());
     static_cast<void>(key.release());
     static_cast<void>(counter.release());

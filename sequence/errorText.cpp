@@ -1,6 +1,8 @@
 #include "sequence/errorText.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <exception>
 #include <memory>
 #include <new>
@@ -24,6 +26,8 @@ std::string textOfCurrentException() {
     return "status " + std::to_string(status.GetErrorCode()) +
            (status.IsWarning() ? " (warning)" : " (error)") + ", datum " +
            std::to_string(status.GetDiscreteDatum(0));
+  } catch (const SeqExceptions::DictionaryFailure& failure) {
+    return failure.what();
   } catch (const std::bad_alloc&) {
     return "out of memory";
   } catch (const std::exception& exception) {
@@ -39,6 +43,15 @@ std::string describeCurrentException() {
   std::string text = textOfCurrentException();
   std::replace(text.begin(), text.end(), '\n', ' ');
   return text;
+}
+
+std::string offsetText(std::uint64_t offset) {
+  std::array<char, 16> digits;
+  const auto end = std::to_chars(digits.begin(), digits.end(), offset, 16).ptr;
+  std::string text(digits.begin(), end);
+  std::ranges::transform(text, text.begin(),
+                         [](char c) { return c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; });
+  return "offset 0x" + text;
 }
 
 }  // namespace orbseq

@@ -3,6 +3,7 @@
 #ifndef SEQUENCE_ERRORTEXT_H_
 #define SEQUENCE_ERRORTEXT_H_
 
+#include <cstdint>
 #include <string>
 
 #include "common/OrbExport.h"
@@ -14,6 +15,9 @@ namespace orbseq {
 // among them), DictionaryFailure, a status by value, and an IOException by pointer, which is
 // deleted here: it is the pointer's catcher. Anything else gives "unknown failure".
 ORBSEQ_EXPORT std::string describeCurrentException();
+
+// A place in bytes, as messages name it: "offset 0x1A4".
+ORBSEQ_EXPORT std::string offsetText(std::uint64_t offset);
 
 }  // namespace orbseq
 

@@ -196,7 +196,8 @@ TEST(Convert, ABadModelIsToldByEveryCommandInOneLineWithItsPlace) {
   };
   const std::vector<std::pair<std::string, std::string>> cases{
       {cut("bin", 200), ": offset 0x[0-9A-F]+, level [0-9]+, entry [0-9]+, .*"},
-      {cut("objxml", 3000), ":[0-9]+: this is not what should stand here"},
+      {cut("objxml", 3000),
+       ":[0-9]+: \".*\" is not what should stand here, or goes beyond a limit"},
       {cut("xml", 1000), ":[0-9]+:[0-9]+: .*"},
       {cut("pmml", 3000), ":[0-9]+:[0-9]+: .*"},
       {folder.file("empty", ""), ":1:1: the document is empty"}};
@@ -216,6 +217,27 @@ TEST(Convert, ABadModelIsToldByEveryCommandInOneLineWithItsPlace) {
   EXPECT_FALSE(std::filesystem::exists(folder.path("out.bin")));
 }
 
+TEST(Convert, ABadModelLeavesTheOldOutputAndItsLabels) {
+  const TempFolder folder;
+  const SmallModels models;
+  std::string twice = kSmallModel;
+  twice.replace(twice.find("<Item id=\"2\""), 12, "<Item id=\"1\" ");
+  const std::string binary = contentOf(models.folder.path("small.bin"));
+  const std::string output = folder.file("output", "old");
+  const std::string labels = folder.file("output.labels.csv", "old labels");
+  for (const std::string& bad : {twice, binary.substr(0, 200)}) {
+    const std::string path = folder.file("bad", bad);
+    for (const char* form : {"document", "pmml", "binary", "objxml", "compiled"}) {
+      EXPECT_EQ(convert(path, output, {"--to", form}).status, 2) << form;
+      EXPECT_EQ(contentOf(output), "old") << form;
+      EXPECT_EQ(contentOf(labels), "old labels") << form;
+      EXPECT_EQ(convert(path, path, {"--to", form}).status, 2) << form;
+      EXPECT_TRUE(contentOf(path) == bad) << form;
+      EXPECT_EQ(folder.entries(), 3U) << form;
+    }
+  }
+}
+
 TEST(Convert, BadLabelsAndMissingFilesAreToldByEveryCommand) {
   const TempFolder folder;
   const std::string path = folder.file("m.xml", kSmallModel);
@@ -229,7 +251,7 @@ TEST(Convert, BadLabelsAndMissingFilesAreToldByEveryCommand) {
     Outcome outcome = run(arguments);
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.error, "orbseq: " + path +
-                                 ".labels.csv:2:1: the item is no number in "
+                                 ".labels.csv:2:1: \"seven\" is no item number in "
                                  "-2147483648..2147483647\n");
     arguments.back() = folder.path("none");
     outcome = run(arguments);

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "common/Limits.h"
 #include "tests/support/Program.h"
 
 namespace {
@@ -93,6 +94,41 @@ TEST(CaseLimits, APlugInKnowsNone) {
 TEST(CaseLimits, AnUnknownNameIsWrongUsage) {
   EXPECT_EQ(score("(101)", {"--limits", "friends"}).status, 1);
   EXPECT_EQ(score("(101)", {"--max-case-sets", "-1"}).status, 1);
+}
+
+TEST(Limits, APluginHasItsOwnLimitOfChains) {
+  const Outcome outcome =
+      run({"score", "--model", kModel, "--input", "-", "--module", "any.so", "--max-chain", "5"});
+
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.error,
+            "orbseq: --module: a plug-in has its own limit of chains; leave out --max-chain\n");
+}
+
+// Users rely on the figures: a change of one is a change of what is promised.
+TEST(Limits, AreThose) {
+  const orbseq::DocumentLimits document;
+  EXPECT_EQ(document.bytes, 67'108'864U);
+  EXPECT_EQ(document.depth, 64);
+  EXPECT_EQ(document.attributes, 64);
+  EXPECT_EQ(document.nameBytes, 1024U);
+  EXPECT_EQ(document.elements, 4'000'000U);
+  EXPECT_EQ(orbseq::LatticeLimits::kItemsInSequence, 32);
+  EXPECT_EQ(orbseq::LatticeLimits::kLevels, 64);
+  EXPECT_EQ(orbseq::LatticeLimits::kBuckets, 4'194'304);
+  EXPECT_EQ(orbseq::kMostInChain, 1000);
+  const orbseq::CsvLimits csv;
+  EXPECT_EQ(csv.fieldBytes, 1'048'576U);
+  EXPECT_EQ(csv.fields, 1024U);
+  EXPECT_EQ(csv.rowBytes, 16'777'216U);
+  const orbseq::CaseLimits usual, strangers = orbseq::CaseLimits::strangers();
+  EXPECT_EQ(usual.textBytes, orbseq::CaseLimits::kNone);
+  EXPECT_EQ(usual.sets, orbseq::CaseLimits::kNone);
+  EXPECT_EQ(usual.items, orbseq::CaseLimits::kNone);
+  EXPECT_EQ(strangers.textBytes, 65'536U);
+  EXPECT_EQ(strangers.sets, 1000U);
+  EXPECT_EQ(strangers.items, 10'000U);
+  EXPECT_EQ(strangers.steps, 10'000'000U);
 }
 
 // The document's table is what the program prints.

@@ -47,6 +47,15 @@ TEST_P(Hardening, StackAndLibraryCallsAreChecked) {
   EXPECT_THAT(needed, HasSubstr("__glibcxx_assert_fail"));
 }
 
+#ifdef __x86_64__
+// Where a jump may land, functions begin with such a mark; one or two come with the C library.
+TEST_P(Hardening, JumpsAreChecked) {
+  const std::string marks = outputOf("objdump -d" + quoted() + " | grep -c endbr64");
+
+  EXPECT_GT(std::stoi(marks), 100);
+}
+#endif
+
 INSTANTIATE_TEST_SUITE_P(Everything, Hardening,
                          testing::Values(ORBSEQ_MODULE, ORBSEQ_HOST, ORBSEQ_PROGRAM),
                          [](const auto& file) {

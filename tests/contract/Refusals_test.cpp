@@ -167,7 +167,7 @@ const Refusal kLevels[] = {
      "0 is outside 1..2 and not -1"},
     {"AdjacentItemTooLarge", "<AdjacentItem itemRef=\"2\" position=\"0\"",
      "<AdjacentItem itemRef=\"3\" position=\"0\"", "AdjacentItem[1]/@itemRef",
-     "3 is outside -1..2"},
+     "3 is outside 1..2 and not -1"},
     {"PositionNegative", "position=\"3\"", "position=\"-1\"",
      "/LatticeLevel[2]/Sequence[1]/SeqAdjacentList[1]/AdjacentItem[2]/@position",
      "-1 is outside 0..3"},

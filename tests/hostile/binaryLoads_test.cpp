@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "sequence/HashtableSQPair.h"
+#include "sequence/errorText.h"
 #include "tests/hostile/Meter.h"
 #include "tests/hostile/binaryParts.h"
 #include "tests/hostile/latticeFiles.h"
@@ -245,7 +246,7 @@ TEST(BinaryB30, TheCommandLineReportsTrailingBytes) {
 
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.output, "");
-  EXPECT_NE(outcome.error.find("offset " + std::to_string(validBinary().size()) +
+  EXPECT_NE(outcome.error.find(orbseq::offsetText(validBinary().size()) +
                                ": bytes after the end of the lattice"),
             std::string::npos)
       << outcome.error;

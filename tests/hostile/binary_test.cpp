@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "sequence/NTSequence.h"
+#include "sequence/errorText.h"
 #include "tests/hostile/Meter.h"
 #include "tests/hostile/binaryParts.h"
 #include "tests/hostile/latticeFiles.h"
@@ -45,19 +46,27 @@ void addHeads(Rows& rows) {
                   "offset 0x0, marker: is not \"SD\""});
   rows.push_back({"B02_MarkerAlone", "SD", kDictionaryMessage, "offset 0x2, lattice flag: "});
   rows.push_back({"B04_SettingsMarker", "SD1XX" + validBinary().substr(5), kSettingsMessage,
-                  "offset 0x3, marker: is not \"DS\""});
+                  "offset 0x3, marker: is not \"DS\" but 58 58"});
   for (std::size_t size = 0; size <= kSettingsBytes; ++size)
     rows.push_back({"B04_SettingsCutAfter" + std::to_string(size),
                     validBinary().substr(0, kHeadBytes + size),
                     size < kSettingsBytes ? kSettingsMessage : kTableMessage, "offset 0x"});
 }
 
+// Where the settings' number begins: the sizes of levels 0 to 7, the number of levels, the size of
+// the levels above.
+std::string settingsOffset(std::size_t number) {
+  return orbseq::offsetText(kHeadBytes + 2 + 4 * number);
+}
+constexpr std::size_t kLevelsNumber = 8, kUpperSizeNumber = 9;
+
 // Tables follow that would be read if the settings were taken.
 RefusedFile settingsRow(const std::string& name, const TableSizes& sizes, std::int32_t levels,
-                        std::size_t tables, const std::string& fault) {
+                        std::size_t tables, std::size_t number, const std::string& fault) {
   std::string bytes = "SD1" + settingsBlock(sizes, levels);
   for (std::size_t i = 0; i < tables; ++i) bytes += tableBlock();
-  return {name, bytes + tailBlock(), kSettingsMessage, "offset 0x29, settings: " + fault};
+  return {name, bytes + tailBlock(), kSettingsMessage,
+          settingsOffset(number) + ", settings: " + fault};
 }
 
 void addTableSizes(Rows& rows) {
@@ -69,22 +78,26 @@ void addTableSizes(Rows& rows) {
     for (std::size_t level = 0; level < 8; ++level)
       rows.push_back(settingsRow(
           std::string(bad.row) + "_Size" + numberName(bad.size) + "OfLevel" + std::to_string(level),
-          withSize(level, bad.size), 8, 8,
+          withSize(level, bad.size), 8, 8, level,
           "table size of level " + std::to_string(level) + " " + std::to_string(bad.size) +
               " is outside 1..4194304"));
   TableSizes halves = kSmallSizes;
   halves[2] = halves[6] = 1 << 21;
-  rows.push_back(settingsRow("B08_TwoHalvesAndMore", halves, 8, 8,
+  rows.push_back(settingsRow("B08_TwoHalvesAndMore", halves, 8, 8, 0,
                              "sum of all table sizes 4194331 is outside 1..4194304"));
-  rows.push_back(settingsRow("B08_ManyUpperLevels", withSize(8, 1 << 17), 64, 64,
+  rows.push_back(settingsRow("B08_ManyUpperLevels", withSize(8, 1 << 17), 64, 64, 0,
                              "sum of all table sizes 7340067 is outside 1..4194304"));
+  std::int32_t others = 0;
+  for (std::size_t level = 1; level < 8; ++level) others += kSmallSizes[level];
+  rows.push_back(settingsRow("B08_OneBucketMoreThanAllowed", withSize(0, (1 << 22) - others + 1), 8,
+                             8, 0, "sum of all table sizes 4194305 is outside 1..4194304"));
   for (const std::int32_t size : {0, -1, kLeast, kMost})
     rows.push_back(settingsRow(
-        "B09_UpperSize" + numberName(size), withSize(8, size), 33, 33,
+        "B09_UpperSize" + numberName(size), withSize(8, size), 33, 33, kUpperSizeNumber,
         "table size of upper levels " + std::to_string(size) + " is outside 1..4194304"));
   for (const std::int32_t levels : {0, -1, kLeast, kMost, 1'000'000, 65})
     rows.push_back(settingsRow((levels == 0 ? "B11_Levels" : "B12_Levels") + numberName(levels),
-                               kSmallSizes, levels, 3,
+                               kSmallSizes, levels, 3, kLevelsNumber,
                                "number of levels " + std::to_string(levels) + " is outside 1..64"));
 }
 
@@ -134,25 +147,39 @@ void addSequences(Rows& rows) {
   struct Pattern {
     const char* name;
     std::string block;
+    std::string fault;
+  };
+  const auto misfit = [](const char* offset, std::int32_t sets, std::int32_t bits, int items) {
+    return std::string(offset) + ", level 1, entry 1, set count: " + std::to_string(sets) +
+           " sets do not fit the pattern " + std::to_string(bits) + " of " + std::to_string(items) +
+           " items";
   };
   for (const Pattern& bad : std::vector<Pattern>{
-           {"B18_NoItemsButAPattern", marker + ints({5, 0, 0})},
-           {"B18_NoItemsButSets", marker + ints({0, 0, 1})},
-           {"B19_LastItemEndsNoSet", sequenceBlock(2, {7, 8}, 1)},
-           {"B19_BitAboveTheItems", sequenceBlock(5, {7, 8}, 2)},
-           {"B19_SignBitAboveTheItems", sequenceBlock(kLeast + 1, {7}, 2)},
-           {"B19_MoreEndsThanSets", sequenceBlock(3, {7, 8}, 1)},
-           {"B19_FewerEndsThanSets", sequenceBlock(1, {7, 8}, 2)},
-           {"B19_SetCountMinus5", sequenceBlock(1, {7}, -5)},
-           {"B19_SetCount100", sequenceBlock(1, {7}, 100)},
-           {"B19_PatternOfNoBits", sequenceBlock(0, {7}, 0)},
+           {"B18_NoItemsButAPattern", marker + ints({5, 0, 0}), misfit("97", 0, 5, 0)},
+           {"B18_NoItemsButSets", marker + ints({0, 0, 1}), misfit("97", 1, 0, 0)},
+           {"B19_LastItemEndsNoSet", sequenceBlock(2, {7, 8}, 1), misfit("9F", 1, 2, 2)},
+           {"B19_BitAboveTheItems", sequenceBlock(5, {7, 8}, 2), misfit("9F", 2, 5, 2)},
+           {"B19_SignBitAboveTheItems", sequenceBlock(kLeast + 1, {7}, 2),
+            misfit("9B", 2, kLeast + 1, 1)},
+           {"B19_MoreEndsThanSets", sequenceBlock(3, {7, 8}, 1), misfit("9F", 1, 3, 2)},
+           {"B19_FewerEndsThanSets", sequenceBlock(1, {7, 8}, 2), misfit("9F", 2, 1, 2)},
+           {"B19_SetCountMinus5", sequenceBlock(1, {7}, -5), misfit("9B", -5, 1, 1)},
+           {"B19_SetCount100", sequenceBlock(1, {7}, 100), misfit("9B", 100, 1, 1)},
+           {"B19_PatternOfNoBits", sequenceBlock(0, {7}, 0), misfit("9B", 0, 0, 1)},
        })
-    rows.push_back(entryRow(bad.name, bad.block + counter, kSequenceMessage, ""));
+    rows.push_back(entryRow(bad.name, bad.block + counter, kSequenceMessage, bad.fault));
 }
 
 std::string linkedEntry(std::int32_t pattern, std::initializer_list<std::int32_t> items,
                         std::int32_t sets, std::int32_t position) {
   return sequenceBlock(pattern, items, sets) + counterBlock(3, {9, position});
+}
+
+std::string misplaced(const char* offset, std::int32_t position, int sets, const char* allowed) {
+  return std::string(offset) +
+         ", level 1, entry 1, adjacent position: " + std::to_string(position) +
+         " names no extension of a sequence of " + std::to_string(sets) +
+         " item sets (allowed: " + allowed + ")";
 }
 
 void addCounters(Rows& rows) {
@@ -164,7 +191,7 @@ void addCounters(Rows& rows) {
     rows.push_back(entryRow("B23_AdjacencyCount" + numberName(pairs),
                             sequence + marker + ints({3, 0, 0, pairs, 0}), kAdjacencyMessage,
                             "AE, level 1, entry 1, number of adjacent items: " +
-                                std::to_string(pairs) + " is below 0"));
+                                std::to_string(pairs) + " is outside 0..2147483647"));
   rows.push_back({"B25_AdjacencyCount2147483647",
                   fileWithEntry(sequence + marker + ints({3, 0, 0, kMost, 8, 1, 9, 1}))
                       .substr(0, 0xAE + 4 + 16),
@@ -172,16 +199,19 @@ void addCounters(Rows& rows) {
                   "offset 0xC2, level 1, entry 1, adjacent item: the stream ends"});
   for (const std::int32_t position : {-1, kLeast, 2, 4, 5, kMost})
     rows.push_back(entryRow("B26_Position" + numberName(position) + "OfOneSet",
-                            linkedEntry(1, {7}, 1, position), kTableMessage, ""));
+                            linkedEntry(1, {7}, 1, position), kTableMessage,
+                            misplaced("B6", position, 1, "0..1, 3")));
   for (const std::int32_t position : {-2, 4, 6, 7})
     rows.push_back(entryRow("B26_Position" + numberName(position) + "OfTwoSets",
-                            linkedEntry(3, {7, 8}, 2, position), kTableMessage, ""));
+                            linkedEntry(3, {7, 8}, 2, position), kTableMessage,
+                            misplaced("BA", position, 2, "0..3, 5")));
   for (const std::int32_t position : {0, 2, 3})
     rows.push_back(entryRow("B26_Position" + numberName(position) + "OfTheEmptySequence",
-                            linkedEntry(0, {}, 0, position), kTableMessage, ""));
+                            linkedEntry(0, {}, 0, position), kTableMessage,
+                            misplaced("B2", position, 0, "1")));
   const std::string counted = sequence + marker + ints({3, 0, 0, 0});
   rows.push_back(entryRow("B28_StatisticsFlagMinus1", counted + ints({-1}), kStatisticsMessage,
-                          "B2, level 1, entry 1, statistics flag: -1 is below 0"));
+                          "B2, level 1, entry 1, statistics flag: -1 is outside 0..2147483647"));
   rows.push_back(entryRow("B28_StatisticsMarker",
                           counted + ints({1}) + "SX" + reals({1.0, 1.0, 1.0, 1.0}),
                           kStatisticsMessage, "B6, level 1, entry 1, marker: is not \"SB\""));

@@ -34,6 +34,8 @@ void fail(const std::string& place) {
   if (isAsked(place + "bad_alloc")) throw std::bad_alloc();
   if (isAsked(place + "DictionaryFailure")) throw SeqExceptions::DictionaryFailure();
   if (isAsked(place + "OrbStatus")) throw OrbCommon_830::OrbStatus(60001, false);
+  if (isAsked(place + "IOException"))
+    throw new SeqExceptions::IOException("offset 0x0, marker: is not \"SD\"");
   if (isAsked(place + "int")) throw 42;
 }
 

@@ -31,6 +31,13 @@ using test::Mode;
 constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
 
+// The text of the small document from `first` up to `last`.
+std::string between(const std::string& first, const std::string& last) {
+  const std::string text = smallDocument();
+  const std::size_t begin = text.find(first);
+  return text.substr(begin, text.find(last, begin) - begin);
+}
+
 class HostileLattice : public testing::TestWithParam<RefusedRow> {};
 
 TEST_P(HostileLattice, IsRefusedWithItsPlace) { expectRefused(GetParam()); }
@@ -73,6 +80,7 @@ INSTANTIATE_TEST_SUITE_P(Sequences, HostileLattice, testing::ValuesIn(kSequences
 
 const std::string kLevelOne = "<LatticeLevel level=\"1\" numberOfSequences=\"2\"";
 const std::string kLevelOneCount = at("/LatticeLevel[2]/@numberOfSequences", 15);
+const std::string kSecondSequence = between("<Sequence id=\"3\"", "</LatticeLevel>");
 
 const RefusedRow kLevels[] = {
     {"D29MaxSequenceSizeMinusTwo",
@@ -110,8 +118,9 @@ const RefusedRow kLevels[] = {
      {{kLevelOne, "<LatticeLevel level=\"1\" numberOfSequences=\"1431655766\""}},
      kLevelOneCount + "announces 1431655766, 2 present"},
     {"D33FarTooManySequences",
-     {{kLevelOne, "<LatticeLevel level=\"1\" numberOfSequences=\"2147483647\""}},
-     kLevelOneCount + "announces 2147483647, 2 present"},
+     {{kSecondSequence, ""},
+      {kLevelOne, "<LatticeLevel level=\"1\" numberOfSequences=\"2147483647\""}},
+     kLevelOneCount + "announces 2147483647, 1 present"},
 };
 INSTANTIATE_TEST_SUITE_P(Levels, HostileLattice, testing::ValuesIn(kLevels),
                          [](const auto& row) { return row.param.name; });
@@ -161,7 +170,7 @@ const RefusedRow kAdjacencies[] = {
      at(kFirstList + "/AdjacentItem[2]/@itemRef", 16, 175) + "0 is outside 1..2 and not -1"},
     {"D36AdjacentItemTooLarge",
      {{"itemRef=\"2\" position=\"3\"", "itemRef=\"3\" position=\"3\""}},
-     at(kFirstList + "/AdjacentItem[2]/@itemRef", 16, 175) + "3 is outside -1..2"},
+     at(kFirstList + "/AdjacentItem[2]/@itemRef", 16, 175) + "3 is outside 1..2 and not -1"},
     {"D37SequenceWithoutOccurrence",
      {{" occurrence=\"10\"", ""}},
      at("/LatticeLevel[1]/Sequence[1]/@occurrence", 13) + "attribute missing"},
@@ -203,12 +212,6 @@ const Answer kNineLater = {9, 0.25, 0.2, 0.4};
 const std::string kSetOne = "<Itemset id=\"1\" numberOfItems=\"1\"><ItemRef itemRef=\"1\"/>";
 const std::string kTopLevel = "<LatticeLevel level=\"3\" numberOfSequences=\"0\"/>";
 
-// The text of the small document from `first` up to `last`.
-std::string between(const std::string& first, const std::string& last) {
-  const std::string text = smallDocument();
-  const std::size_t begin = text.find(first);
-  return text.substr(begin, text.find(last, begin) - begin);
-}
 const std::string kLevelZeroText =
     between("<LatticeLevel level=\"0\"", "<LatticeLevel level=\"1\"");
 const std::string kLevelOneText = between("<LatticeLevel level=\"1\"", "<LatticeLevel level=\"2\"");
@@ -242,21 +245,30 @@ const LoadedRow kLoadedItems[] = {
 INSTANTIATE_TEST_SUITE_P(Items, HostileLatticeLoads, testing::ValuesIn(kLoadedItems),
                          [](const auto& row) { return row.param.name; });
 
+const std::string kLevelsAboveZero =
+    between("<LatticeLevel level=\"1\"", "</SeqAssociationLattice>");
+const std::string kLinksOfLevelZero = between(
+    "<SeqAdjacentList numberOfAdjacentItems=\"2\"><AdjacentItem itemRef=\"1\" position=\"1\"",
+    "</Sequence>");
+const std::vector<Question> kNothing = {{"", Mode::kCurrent, {}},
+                                        {"", Mode::kFuture, {}},
+                                        {"(7)", Mode::kCurrent, {}},
+                                        {"(7)", Mode::kFuture, {}},
+                                        {"(7)(9)", Mode::kFutureAllBeginnings, {}}};
+
 const LoadedRow kLoadedLevels[] = {
-    {"D29NoLevelIsRead",
-     {{"maxSequenceSize=\"3\"", "maxSequenceSize=\"-1\""}},
-     {{"", Mode::kCurrent, {}},
-      {"", Mode::kFuture, {}},
-      {"(7)", Mode::kCurrent, {}},
-      {"(7)", Mode::kFuture, {}},
-      {"(7)(9)", Mode::kFutureAllBeginnings, {}}}},
+    {"D29NoLevelIsRead", {{"maxSequenceSize=\"3\"", "maxSequenceSize=\"-1\""}}, kNothing},
     {"D30TheEmptySequenceAlone",
+     {{"maxSequenceSize=\"3\"", "maxSequenceSize=\"0\""}, {kLevelsAboveZero, ""}},
+     kNothing},
+    {"D30TheEmptySequenceAloneWithoutLinks",
+     {{"maxSequenceSize=\"3\"", "maxSequenceSize=\"0\""},
+      {kLevelsAboveZero, ""},
+      {kLinksOfLevelZero, "<SeqAdjacentList numberOfAdjacentItems=\"0\"/>"}},
+     kNothing},
+    {"D30LevelsBehindTheEmptySequenceAreIgnored",
      {{"maxSequenceSize=\"3\"", "maxSequenceSize=\"0\""}},
-     {{"", Mode::kCurrent, {}},
-      {"", Mode::kFuture, {}},
-      {"(7)", Mode::kCurrent, {}},
-      {"(7)", Mode::kFuture, {}},
-      {"(7)(9)", Mode::kFutureAllBeginnings, {}}}},
+     kNothing},
     {"D31ALevelTooManyIsIgnored",
      {{kTopLevel, kTopLevel + "<LatticeLevel level=\"77\" numberOfSequences=\"-4\"/>"}},
      {{"(7)", Mode::kCurrent, {kNineNow}}, {"(7)", Mode::kFuture, {kNineLater}}}},

@@ -4,10 +4,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <memory>
-#include <set>
+#include <numeric>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -18,6 +19,9 @@
 #include "scoring/hostapi/ScoreTranslator.h"
 #include "tests/hostile/Meter.h"
 #include "tests/hostile/documents.h"
+#include "tests/hostile/rowNames.h"
+#include "tests/support/Program.h"
+#include "tests/support/TempFolder.h"
 #include "tests/support/sequenceValues.h"
 
 namespace {
@@ -94,9 +98,25 @@ std::vector<std::int32_t> upTo(int last) {
   return numbers;
 }
 
-// One set of `count` items, alone in level 1.
-std::string oneSequenceOf(int count) {
-  return documentOf(upTo(count), {upTo(count)}, {{}, {sequenceText({1}, 1)}});
+// A sequence alone in level 1, of as many sets as there are sizes. Each set has the items that
+// follow those of the set before.
+struct Long {
+  const char* name;
+  std::vector<int> sizes;
+};
+
+int itemsOf(const Long& sequence) {
+  return std::accumulate(sequence.sizes.begin(), sequence.sizes.end(), 0);
+}
+
+std::string documentOf(const Long& sequence) {
+  std::vector<std::vector<int>> sets;
+  int last = 0;
+  for (const int size : sequence.sizes) {
+    sets.emplace_back();
+    for (int k = 0; k < size; ++k) sets.back().push_back(++last);
+  }
+  return documentOf(upTo(last), sets, {{}, {sequenceText(upTo(static_cast<int>(sets.size())), 1)}});
 }
 
 // Items 1 to 32 and the sets {32}, {31 32}, {30 31 32} .. {1 .. 32}, each the extension of the one
@@ -138,14 +158,39 @@ TEST(HostileModels, D27ThirtyTwoItemsAreCountedAndProposedButNeverFound) {
 }
 
 TEST(HostileModels, D27MoreThanThirtyTwoItemsAreRefused) {
-  expectModel(oneSequenceOf(32), [](const ScoreModel& model) {
-    EXPECT_THAT(ask(model, "(1)", Mode::kCurrent), IsEmpty());
-  });
-  for (const int count : {33, 39, 10'000}) {
-    const int line = count + 7;  // behind the items, their set and the level of none
-    EXPECT_EQ(translatorRefusal(oneSequenceOf(count)).message,
+  const Long rows[] = {{"a set of 33", {33}},
+                       {"a set of 39", {39}},
+                       {"a set of 10,000", {10'000}},
+                       {"33 single items", std::vector<int>(33, 1)},
+                       {"39 single items", std::vector<int>(39, 1)},
+                       {"10,000 single items", std::vector<int>(10'000, 1)},
+                       {"17 and 16", {17, 16}},
+                       {"32 and 1", {32, 1}}};
+  for (const Long& sequence : rows) {
+    // Behind the head, the items, the sets and the level of none.
+    const int line = 2 + itemsOf(sequence) + static_cast<int>(sequence.sizes.size()) + 4;
+    EXPECT_EQ(translatorRefusal(documentOf(sequence)).message,
               orbseq::test::at("/LatticeLevel[2]/Sequence[1]", line) + "more than 32 items")
-        << count;
+        << sequence.name;
+  }
+}
+
+TEST(HostileModels, D27ThirtyTwoItemsInAnySetsLoad) {
+  struct Whole {
+    Long sequence;
+    const char* shown;  // of it, by the model
+  };
+  const Whole rows[] = {{{"a set of 32", {32}}, " 16 17 18 "},
+                        {{"16 and 16", {16, 16}}, " 15 16)(17 18 "},
+                        {{"32 single items", std::vector<int>(32, 1)}, "(16)(17)(18)"}};
+  for (const auto& [sequence, shown] : rows) {
+    SCOPED_TRACE(sequence.name);
+    expectModel(documentOf(sequence), [text = shown](const ScoreModel& model) {
+      std::ostringstream display;
+      model.Display(display);
+      EXPECT_THAT(display.str(), HasSubstr(text));
+      EXPECT_THAT(ask(model, "(1)", Mode::kCurrent), IsEmpty());
+    });
   }
 }
 
@@ -188,6 +233,30 @@ TEST(HostileModels, D39AChainOfTheLimitLoads) {
   });
   EXPECT_THAT(translatorRefusal(colliding(1001)).message,
               HasSubstr("more than 1000 sequences of the level share a bucket"));
+}
+
+// The limit is the process's, and this program cannot set the module's: `orbseq` can set its own.
+TEST(HostileModels, D39TheLimitOfAChainIsSet) {
+  const orbseq::test::TempFolder folder;
+  const std::string path = folder.file("d.xml", colliding(1001));
+  const std::vector<std::string> inspect = {"inspect", "--sequences", "--model", path};
+  const auto withLimit = [&](const std::string& limit) {
+    std::vector<std::string> command = inspect;
+    command.insert(command.end(), {"--max-chain", limit});
+    return orbseq::test::run(command);
+  };
+
+  const auto refused = orbseq::test::run(inspect), loaded = withLimit("1001");
+
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_EQ(refused.output, "");
+  EXPECT_THAT(refused.error, HasSubstr("more than 1000 sequences of the level share a bucket"));
+  EXPECT_EQ(loaded.status, 0) << loaded.error;
+  EXPECT_EQ(std::count(loaded.output.begin(), loaded.output.end(), '\n'), 1001);
+  EXPECT_THAT(loaded.output, HasSubstr("9817 -1 9838829 -1 #SUP: 1\n"));
+  EXPECT_THAT(loaded.output, HasSubstr("9826817 -1 9829 -1 #SUP: 1\n"));
+  EXPECT_THAT(withLimit("999").error,
+              HasSubstr("more than 999 sequences of the level share a bucket"));
 }
 
 // --- The life of a model -------------------------------------------------------------------------
@@ -245,21 +314,6 @@ TEST(HostileModels, D40AnUnknownEncodingIsRefused) {
 
 // --- The list ------------------------------------------------------------------------------------
 
-TEST(HostileDocuments, HaveATestForEveryRow) {
-  std::set<std::string> rows;
-  const testing::UnitTest& program = *testing::UnitTest::GetInstance();
-  for (int suite = 0; suite < program.total_test_suite_count(); ++suite) {
-    const testing::TestSuite& tests = *program.GetTestSuite(suite);
-    for (int test = 0; test < tests.total_test_count(); ++test) {
-      const std::string name = tests.GetTestInfo(test)->name();
-      rows.insert(name.substr(name.rfind('/') + 1, 3));
-    }
-  }
-
-  for (int row = 1; row <= 40; ++row) {
-    const std::string id = (row < 10 ? "D0" : "D") + std::to_string(row);
-    EXPECT_EQ(rows.count(id), 1U) << "no test for " << id;
-  }
-}
+TEST(HostileDocuments, HaveATestForEveryRow) { orbseq::test::expectTestsOfRows('D', 40); }
 
 }  // namespace

@@ -218,6 +218,8 @@ constexpr const char* kInText = "\"<script>alert(\"\"x,y\"\")</script>&'\\x0A=1\
 constexpr const char* kInRules = "\"<script>alert(\"\"x,y\"\")</script>&'\xEF\xBF\xBD=1\",9";
 
 const std::vector<std::string> kScore = {"score", "--input", "-", "--quiet", "--format"};
+const std::vector<std::string> kModule = {"score", "--module", ORBSEQ_MODULE, "--input",
+                                          "-",     "--quiet",  "--format"};
 const std::vector<std::string> kExplain = {"explain", "--input", "-", "--quiet", "--format"};
 const std::vector<std::string> kRules = {"rules", "--quiet", "--format"};
 const std::vector<std::string> kConvert = {"convert", "--quiet", "--output", "-", "--to"};
@@ -244,6 +246,9 @@ const Output kOutputs[] = {
     {"D18ScoreCsv", with(kScore, "csv"), kInCsv},
     {"D18ScoreJson", with(kScore, "jsonl"), kInJson},
     {"D18ScoreTable", with(kScore, "table"), kInTable},
+    {"D18ModuleCsv", with(kModule, "csv"), kInCsv},
+    {"D18ModuleJson", with(kModule, "jsonl"), kInJson},
+    {"D18ModuleTable", with(kModule, "table"), kInTable},
     {"D18ExplainCsv", with(kExplain, "csv"), kInCsv},
     {"D18ExplainJson", with(kExplain, "jsonl"), kInJson},
     {"D18ExplainTable", with(kExplain, "table"), kInTable},
@@ -251,6 +256,7 @@ const Output kOutputs[] = {
     {"D18RulesJson", with(kRules, "jsonl"), kInJson},
     {"D18RulesTable", with(kRules, "table"), kInTable},
     {"D18RulesText", with(with(kRules, "text"), "--labels"), kInText},
+    {"D18RulesPmml", with(kRules, "pmml"), kInXml},
     {"D18InspectTable", {"inspect"}, kInTable},
     {"D18InspectJson", {"inspect", "--json"}, kInJson},
     {"D18InspectSequences", {"inspect", "--sequences", "--labels"}, kInText},
@@ -263,11 +269,38 @@ INSTANTIATE_TEST_SUITE_P(Labels, HostileLabelOutputs, testing::ValuesIn(kOutputs
 TEST(HostileLabelOutputs, D18XmlHoldsNoElementOfTheLabel) {
   const orbseq::test::TempFolder folder;
   const std::string path = folder.file("d.xml", labelled(kScript));
-  for (const char* form : {"document", "pmml"}) {
-    const auto outcome =
-        orbseq::test::run({"convert", "--quiet", "--output", "-", "--to", form, "--model", path});
+  for (std::vector<std::string> command :
+       {with(kConvert, "document"), with(kConvert, "pmml"), with(kRules, "pmml")}) {
+    command.insert(command.end(), {"--model", path});
+    const auto outcome = orbseq::test::run(command);
     EXPECT_THAT(outcome.output, HasSubstr("&lt;script&gt;"));
     EXPECT_THAT(outcome.output, Not(HasSubstr("<script>")));
+  }
+}
+
+TEST(HostileLabelOutputs, D18LabelsBesideAModelAreQuotedAndComeBackUnchanged) {
+  const orbseq::test::TempFolder folder;
+  const std::string path = folder.file("d.xml", labelled(kScript));
+  for (const std::string form : {"binary", "objxml", "compiled"}) {
+    SCOPED_TRACE(form);
+    const std::string model = folder.path("m." + form);
+    EXPECT_EQ(
+        orbseq::test::run({"convert", "--model", path, "--to", form, "--output", model}).status, 0);
+
+    EXPECT_EQ(orbseq::test::contentOf(model + ".labels.csv"),
+              "item,label\n7,\"<script>alert(\"\"x,y\"\")</script>&'\n=1\"\n");
+    std::vector<std::string> scored = with(kScore, "csv"), converted = with(kConvert, "document");
+    scored.insert(scored.end(), {"--model", model});
+    EXPECT_THAT(orbseq::test::run(scored, {.input = "customer,history\nAnna,(9)\n"}).output,
+                HasSubstr(kInCsv));
+    if (form == "compiled") continue;  // no lattice can be read back from it
+    converted.insert(converted.end(), {"--model", model});
+    const auto document = orbseq::test::run(converted);
+    EXPECT_THAT(document.output, HasSubstr(kInXml));
+    expectModel(document.output, [](const ScoreModel& read) {
+      ASSERT_NE(read.GetScoreDictionary(), nullptr);
+      EXPECT_EQ(read.GetScoreDictionary()->GetVariable("7")->GetMappedLabel(), kScriptLabel);
+    });
   }
 }
 

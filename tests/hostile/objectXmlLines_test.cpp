@@ -17,6 +17,7 @@
 #include "tests/hostile/Meter.h"
 #include "tests/hostile/binaryParts.h"
 #include "tests/hostile/latticeFiles.h"
+#include "tests/hostile/rowNames.h"
 #include "tests/support/TempFolder.h"
 
 namespace {
@@ -166,7 +167,7 @@ TEST_P(ObjectXmlStream, IsReadFromMemoryAndFromAFile) {
 INSTANTIATE_TEST_SUITE_P(Hostile, ObjectXmlStream, ::testing::ValuesIn(acceptedStreams()),
                          nameOf<Stream>);
 
-TEST(ObjectXmlO01, WhatIsNoFileGivesZeroWithoutAMessage) {
+TEST(ObjectXmlFiles, O01WhatIsNoFileGivesZeroWithoutAMessage) {
   const TempFolder folder;
   const std::string valid = folder.file("valid", validObjectXml());
   const Meter meter(0);
@@ -188,7 +189,7 @@ TEST(ObjectXmlO01, WhatIsNoFileGivesZeroWithoutAMessage) {
 
 // Half of the files are valid; the others lack some of their last lines, for which no message is
 // promised that threads would print at once.
-TEST(ObjectXmlO18, EightThreadsReadEightFiles) {
+TEST(ObjectXmlFiles, O18EightThreadsReadEightFiles) {
   constexpr std::size_t kThreads = 8;
   constexpr int kRounds = 20;
   const TempFolder folder;
@@ -224,5 +225,9 @@ TEST(ObjectXmlO18, EightThreadsReadEightFiles) {
     EXPECT_EQ(i % 2 == 0 ? valid[i] : refused[i], kRounds) << i;
   meter.check();
 }
+
+// --- The list ------------------------------------------------------------------------------------
+
+TEST(ObjectXmlFiles, HaveATestForEveryRow) { expectTestsOfRows('O', 18); }
 
 }  // namespace

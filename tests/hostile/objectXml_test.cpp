@@ -332,6 +332,35 @@ INSTANTIATE_TEST_SUITE_P(Numbers, ObjectXml, ::testing::ValuesIn(numberRows()), 
 INSTANTIATE_TEST_SUITE_P(Dictionaries, ObjectXml, ::testing::ValuesIn(dictionaryRows()),
                          nameOf<Object>);
 
+TEST(ObjectXmlNumbers, O14AnyStatisticsFlagButZeroReadsTheBucket) {
+  const std::string bucket = object("StatsBucket", {"D1", "D2", "D3", "D4"});
+  SequenceCounter read;
+
+  EXPECT_EQ(readXmlFileInto(read, counter({"3", "0", "0", "0", "7"}, bucket)).count, 13U);
+
+  EXPECT_EQ(read.getCount(), 3);
+  ASSERT_NE(read.getStatsBucket(), nullptr);
+  EXPECT_EQ(read.getStatsBucket()->getOccurrences(), 1.0);
+  EXPECT_EQ(read.getStatsBucket()->getTotal(), 2.0);
+  EXPECT_EQ(read.getStatsBucket()->getMinimum(), 3.0);
+  EXPECT_EQ(read.getStatsBucket()->getMaximum(), 4.0);
+}
+
+// The tables are as those of a new dictionary: the empty sequence, which nobody has.
+TEST(ObjectXmlNumbers, O11NoSequenceIsReadWhereTheLargestSizeIsMinusOne) {
+  const NTSequence nothing;
+  SequenceDictionary fresh, used;
+  EXPECT_GT(readXmlFileInto(used, validObjectXml()).count, 0U);
+  for (SequenceDictionary* read : {&fresh, &used}) {
+    EXPECT_EQ(readXmlFileInto(*read, withoutTables(dictionary("-1"))).count, 3U + 12U + 4U);
+
+    EXPECT_EQ(read->NumberOfSequences(), 1);
+    ASSERT_NE(read->getDescriptor(&nothing), nullptr);
+    EXPECT_EQ(read->getDescriptor(&nothing)->getCount(), 0);
+    expectCleanAnswers(*read);
+  }
+}
+
 TEST_P(ObjectXml, LeavesADictionaryToReadInto) {
   const Object& row = GetParam();
   const ValidLattice other;

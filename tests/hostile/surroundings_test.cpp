@@ -204,8 +204,9 @@ TEST(HostileSurroundings, WhateverAPluginThrowsIsOneClearError) {
       {"own", 2, "the plug-in failed: an exception"},
       {"QuException", 2, "lattice refused: on purpose"},
       {"bad_alloc", 3, "out of memory"},
-      {"DictionaryFailure", 2, "the plug-in failed: "},
-      {"OrbStatus", 2, "the plug-in failed: it threw an exception of an unknown type"},
+      {"DictionaryFailure", 3, "out of memory"},
+      {"IOException", 2, "the plug-in failed: offset 0x0, marker: is not \"SD\""},
+      {"OrbStatus", 2, "the plug-in failed: it threw the status 60001"},
       {"int", 2, "the plug-in failed: it threw an exception of an unknown type"},
   };
   for (const auto& row : rows)

@@ -1,6 +1,7 @@
 #!/bin/sh
 # Under valgrind, which sees what is read before it is written: a model is trained, saved in every
-# form, loaded, scored with and exported; no error, and nothing lost.
+# form, loaded, scored with and exported; no error, and nothing lost. A document that gives an
+# item's id twice, so that another item has no value, is refused without one of them being read.
 #
 #   valgrind.sh BUILD
 #
@@ -56,3 +57,12 @@ watched "$build/orbseq" score --module "$build/liborbseq.so" --model "$folder/mo
 cmp "$folder/xml.current" "$folder/module.current"
 watched "$build/orbseq" rules --model "$folder/model.binary" --output "$folder/rules.csv"
 [ -s "$folder/rules.csv" ]
+
+sed 's/<Item id="2"/<Item id="1"/' "$folder/model.xml" > "$folder/twice.xml"
+status=0
+faultless "$build/orbseq" inspect --model "$folder/twice.xml" || status=$?
+[ "$status" = 2 ] && grep -q 'Item\[2\]/@id .*: duplicate id 1$' "$folder/err" || {
+  echo "an item's id that stands twice: status $status, not 2" >&2
+  cat "$folder/valgrind.log" "$folder/err" >&2
+  exit 1
+}

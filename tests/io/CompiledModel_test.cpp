@@ -120,7 +120,7 @@ TEST(CompiledModel, BadLabelsBesideTheCompiledFormAreRefused) {
   saved.folder.file("model.compiled.labels.csv", "item,label\nseven,x\n");
 
   EXPECT_EQ(refusalOf(saved.path), saved.path +
-                                       ".labels.csv:2:1: the item is no number in "
+                                       ".labels.csv:2:1: \"seven\" is no item number in "
                                        "-2147483648..2147483647");
 }
 

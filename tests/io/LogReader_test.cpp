@@ -80,6 +80,17 @@ TEST(LogReader, ACsvLogIsReadRowByRow) {
   EXPECT_EQ(log.badRows, 0U);
 }
 
+TEST(LogReader, TheLimitsOfACsvLogCanBeSet) {
+  LogOptions options;
+  options.csv.fieldBytes = 8;
+  const std::string log = "customer,time,item\nann,1,3\nbenjamina,2,7\n";
+
+  EXPECT_THAT(errorOf<InputError>([&] { read(log, options); }),
+              testing::EndsWith("log:3:1: the field is longer than 8 bytes, the limit"));
+  ++options.csv.fieldBytes;
+  EXPECT_EQ(read(log, options).database.customers(), 2U);
+}
+
 TEST(LogReader, ATsvLogHasTabs) {
   EXPECT_THAT(lines("customer\ttime\titem\na,b\t1\t3\na,b\t1\t5\n", formatted(LogFormat::kTsv)),
               ElementsAre("a,b 1:(3 5)"));

@@ -122,12 +122,13 @@ TEST(ModelLabels, OtherColumnsAndAnotherOrderAreFine) {
 }
 
 TEST(ModelLabels, ABadItemIsToldWithItsPlace) {
-  const std::string wanted = ": the item is no number in -2147483648..2147483647";
-  EXPECT_EQ(errorIn("item,label\n1,a\nx,b\n"), "m.bin.labels.csv:3:1" + wanted);
-  EXPECT_EQ(errorIn("label,item\na,1\nb,2147483648\n"), "m.bin.labels.csv:3:2" + wanted);
+  const std::string wanted = "\" is no item number in -2147483648..2147483647";
+  EXPECT_EQ(errorIn("item,label\n1,a\nx,b\n"), "m.bin.labels.csv:3:1: \"x" + wanted);
+  EXPECT_EQ(errorIn("label,item\na,1\nb,2147483648\n"),
+            "m.bin.labels.csv:3:2: \"2147483648" + wanted);
   for (const char* item : {"", " 1", "1 ", "1.0", "+1", "0x1", "-2147483649", "--1"})
-    EXPECT_EQ(errorIn("item,label\n" + std::string(item) + ",b\n"), "m.bin.labels.csv:2:1" + wanted)
-        << item;
+    EXPECT_EQ(errorIn("item,label\n" + std::string(item) + ",b\n"),
+              "m.bin.labels.csv:2:1: \"" + std::string(item) + wanted);
 }
 
 TEST(ModelLabels, AMissingColumnIsToldWithThoseFound) {

@@ -11,6 +11,7 @@
 #include "io/IoError.h"
 #include "io/ModelFile.h"
 #include "scoring/hostapi/QuException.h"
+#include "sequence/errorText.h"
 #include "tests/io/modelSamples.h"
 #include "tests/support/TempFolder.h"
 #include "tests/support/captureErrors.h"
@@ -118,9 +119,29 @@ TEST(ModelRefusals, ACutBinaryIsToldWithOffsetLevelAndEntry) {
 
 TEST(ModelRefusals, BytesAfterABinaryAreTold) {
   const std::string whole = bytesOf(smallModel(), ModelForm::kBinary);
-  EXPECT_EQ(refusalText(whole + "x"), "model: offset " + std::to_string(whole.size()) +
-                                          ": bytes after the end of the lattice");
+  EXPECT_EQ(refusalText(whole + "x"),
+            "model: " + orbseq::offsetText(whole.size()) + ": bytes after the end of the lattice");
   EXPECT_EQ(refusalText(whole + whole), refusalText(whole + "x"));
+}
+
+// A stored lattice has no more levels, and what was read from a document can be stored.
+TEST(ModelRefusals, ADocumentHasAsManyLevelsAsAnyOtherForm) {
+  const auto documentOfLevels = [](int levels) {
+    std::string text =
+        "<SequentialAssociationLattice version=\"1.0\"><SeqAssociationLattice>"
+        "<SeqInputStats numberOfTransactions=\"1\" "
+        "minimumSupport=\"1\" maxSequenceSize=\"" +
+        std::to_string(levels - 1) +
+        "\" numberOfItems=\"0\" numberOfSets=\"0\" numberOfSequences=\"0\"/>";
+    for (int level = 0; level < levels; ++level)
+      text += "<LatticeLevel level=\"" + std::to_string(level) + "\" numberOfSequences=\"0\"/>";
+    return text + "</SeqAssociationLattice></SequentialAssociationLattice>";
+  };
+
+  EXPECT_EQ(refusalText(documentOfLevels(64)), "");
+  EXPECT_EQ(refusalText(documentOfLevels(65)),
+            "model: lattice refused: SeqAssociationLattice/SeqInputStats/@maxSequenceSize "
+            "(line 1, column 68): 64 is outside -1..63");
 }
 
 TEST(ModelRefusals, ABadCountInABinaryIsToldWithItsRange) {
@@ -182,7 +203,10 @@ TEST(ModelRefusals, ObjectXmlOfSomethingElseIsTold) {
   const std::string whole = bytesOf(smallModel(), ModelForm::kObjectXml);
   std::string other = whole;
   other.replace(other.find("SequenceDictionary"), 18, "SomethingElseAgain");
-  EXPECT_EQ(refusalText(other), "model:4: this is not what should stand here");
+  EXPECT_EQ(
+      refusalText(other),
+      "model:4: \"\\t<Obj name=\\\"SomethingElseAgain\\\">\" is not what should stand here, or "
+      "goes beyond a limit");
   const std::string head = whole.substr(0, whole.find('\n', whole.find("<!DOCTYPE")) + 1);
   EXPECT_EQ(refusalText(head + "\n<Other>\n").substr(0, 6), "model:");
 }
@@ -224,7 +248,7 @@ TEST(ModelRefusals, BadLabelsBesideAModelAreTold) {
   for (const ModelForm form : kEveryForm) {
     const std::string path = folder.file("model", bytesOf(smallModel(), form));
     EXPECT_EQ(errorOf<InputError>([&] { readModel(path); }),
-              path + ".labels.csv:3:1: the item is no number in -2147483648..2147483647");
+              path + ".labels.csv:3:1: \"two\" is no item number in -2147483648..2147483647");
   }
 }
 
