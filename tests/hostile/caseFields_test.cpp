@@ -47,12 +47,18 @@ using testing::IsEmpty;
 using ItemList = OrbQuillon_830::VectorValue<SeqConsequentDescriptor>;
 using Items = orbseq::test::CaseItems;
 
-// Seconds of the processor for one answer to so many sets with everything asked for, the best of
-// three.
-double secondsFor(const ScoreModel& model, int sets, std::size_t answers) {
+// Of so many sets.
+std::string longHistory(int sets) {
   std::string text;
   for (int left = sets; left > 0; --left)  // the last is (2), which has no answer of its own
     text += left % 3 == 1 ? "(2)" : left % 3 == 2 ? "(1 2)" : "(1)";
+  return text;
+}
+
+// Seconds of the processor for one answer to so many sets with everything asked for, the best of
+// three.
+double secondsFor(const ScoreModel& model, int sets, std::size_t answers) {
+  const std::string text = longHistory(sets);
   double best = std::numeric_limits<double>::infinity();
   for (int round = 0; round < 3; ++round) {
     const std::clock_t begin = std::clock();
@@ -76,6 +82,21 @@ TEST(HostileCaseFields, C15LongHistoriesTakeTimeByTheirLengthAlone) {
   EXPECT_LT(most, 1.0 * Meter::slowdown());
 }
 
+TEST(HostileCaseFields, C15LongHistoriesTakeMemoryByTheirLengthAlone) {
+  wideModel(15);  // what the host and the parser keep is made now
+  for (const int sets : {1'000, 20'000, 100'000}) {
+    const std::string text = longHistory(sets);
+
+    const Meter meter(text.size());
+    {
+      const auto model = wideModel(15);
+      for (const Mode mode : {Mode::kCurrent, Mode::kFuture, Mode::kFutureAllBeginnings})
+        EXPECT_EQ(ask(*model, text, mode).size(), mode == Mode::kFutureAllBeginnings ? 13U : 0U);
+    }
+    meter.check();
+  }
+}
+
 TEST(HostileCaseFields, C17OtherReturnTypesFallBackToCurrentItems) {
   const auto model = caseModel();
   const ScoreCaseRecord future = recordOf("(1)(1)", "futureItems");
@@ -86,11 +107,15 @@ TEST(HostileCaseFields, C17OtherReturnTypesFallBackToCurrentItems) {
   for (const std::string& type :
        {std::string("FutureItems"), std::string("futureItems "), std::string("futureItems\0", 12),
         std::string(), std::string(std::size_t{1} << 20, 'f')}) {
-    ScoreCaseRecord record = recordOf("(1)");
-    record.SetText("returnType", type);
-    const Scored scored = score(*model, &record);
-    EXPECT_EQ(scored.target, "currentItems") << type.substr(0, 20);
-    EXPECT_EQ(scored.items, current.items) << type.substr(0, 20);
+    const Meter meter(type.size());
+    {
+      ScoreCaseRecord record = recordOf("(1)");
+      record.SetText("returnType", type);
+      const Scored scored = score(*model, &record);
+      EXPECT_EQ(scored.target, "currentItems") << type.substr(0, 20);
+      EXPECT_EQ(scored.items, current.items) << type.substr(0, 20);
+    }
+    meter.check();
   }
 }
 
@@ -104,16 +129,20 @@ void PrintTo(const MostRow& row, std::ostream* os) { *os << row.name; }
 class HostileMaxReturn : public testing::TestWithParam<MostRow> {};
 
 TEST_P(HostileMaxReturn, IsConvertedAsTheHostDoes) {
-  const auto model = wideModel(30);
-  ScoreCaseRecord record = recordOf("(1)", "futureItems");
-  record.SetText("maxReturn", GetParam().text);
+  wideModel(30);  // what the host and the parser keep is made now
 
-  const Items items = score(*model, &record).items;
-
-  ASSERT_EQ(items.size(), GetParam().answers);
-  if (!items.empty()) {
-    EXPECT_EQ(items.front(), 30);
+  const Meter meter(0);
+  {
+    const auto model = wideModel(30);
+    ScoreCaseRecord record = recordOf("(1)", "futureItems");
+    record.SetText("maxReturn", GetParam().text);
+    const Items items = score(*model, &record).items;
+    ASSERT_EQ(items.size(), GetParam().answers);
+    if (!items.empty()) {
+      EXPECT_EQ(items.front(), 30);
+    }
   }
+  meter.check();
 }
 
 const MostRow kMosts[] = {
@@ -135,31 +164,44 @@ INSTANTIATE_TEST_SUITE_P(Texts, HostileMaxReturn, testing::ValuesIn(kMosts),
 
 TEST(HostileCaseFields, C18NumbersAreClamped) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
-  const auto model = wideModel(30);
   const std::vector<std::pair<double, std::size_t>> rows = {
-      {1e300, 29}, {kInfinity, 29}, {-kInfinity, 20}, {-1e300, 20}, {std::nan(""), 20}, {3.99, 3}};
+      {1e300, 29},        {kInfinity, 29},    {-kInfinity, 20}, {-1e300, 20},
+      {std::nan(""), 20}, {3.99, 3},          {-1, 20},         {0, 0},
+      {-0.0, 0},          {2147483647.0, 29}, {-0.99, 0},       {1, 1},
+      {2147483648.0, 29}, {-2147483648.0, 20}};
+  wideModel(30);  // what the host and the parser keep is made now
 
   for (const auto& [number, answers] : rows) {
-    ScoreCaseRecord record = recordOf("(1)", "futureItems");
-    record.SetNumber("maxReturn", number);
-    EXPECT_EQ(score(*model, &record).items.size(), answers) << number;
+    const Meter meter(0);
+    {
+      const auto model = wideModel(30);
+      ScoreCaseRecord record = recordOf("(1)", "futureItems");
+      record.SetNumber("maxReturn", number);
+      EXPECT_EQ(score(*model, &record).items.size(), answers) << number;
+    }
+    meter.check();
   }
 }
 
 // Deliberate: presence alone decides.
 TEST(HostileCaseFields, C19FromCurrentActsByBeingThere) {
-  const auto model = wideModel(3);
-  ScoreCaseRecord record = recordOf("(1)(2)", "futureItems");
+  wideModel(3);  // what the host and the parser keep is made now
 
-  EXPECT_THAT(score(*model, &record).items, IsEmpty());
-  for (const char* text : {"", "false", "true", "0"}) {
-    record.SetText("fromCurrent", text);
-    EXPECT_THAT(score(*model, &record).items, ElementsAre(3)) << text;
+  const Meter meter(0);
+  {
+    const auto model = wideModel(3);
+    ScoreCaseRecord record = recordOf("(1)(2)", "futureItems");
+    EXPECT_THAT(score(*model, &record).items, IsEmpty());
+    for (const char* text : {"", "false", "true", "0"}) {
+      record.SetText("fromCurrent", text);
+      EXPECT_THAT(score(*model, &record).items, ElementsAre(3)) << text;
+    }
+    record.SetNumber("fromCurrent", 0.0);
+    EXPECT_THAT(score(*model, &record).items, ElementsAre(3));
+    record.SetField("fromCurrent", nullptr);
+    EXPECT_THAT(score(*model, &record).items, IsEmpty());
   }
-  record.SetNumber("fromCurrent", 0.0);
-  EXPECT_THAT(score(*model, &record).items, ElementsAre(3));
-  record.SetField("fromCurrent", nullptr);
-  EXPECT_THAT(score(*model, &record).items, IsEmpty());
+  meter.check();
 }
 
 std::unique_ptr<ScoreValue> list(std::size_t length) {
@@ -168,41 +210,50 @@ std::unique_ptr<ScoreValue> list(std::size_t length) {
 }
 
 TEST(HostileCaseFields, C20ValuesOfOtherTypesAreReadAsTheirTexts) {
-  const auto model = wideModel(30);
-  const Items popular = score(*model, nullptr).items;
-  ASSERT_EQ(popular.size(), 20U);
-  ScoreCaseRecord number;
-  number.SetNumber("sequence", 1.0);
-  ScoreCaseRecord missing;
-  missing.SetField("sequence", std::make_unique<NumericValue>("no number"));
-  ScoreCaseRecord vector;
-  vector.SetField("sequence", list(3));
+  wideModel(30);  // what the host and the parser keep is made now
 
-  for (const ScoreCaseRecord* record : {&number, &missing, &vector})
-    EXPECT_EQ(score(*model, record).items, popular);
+  const Meter meter(0);
+  {
+    const auto model = wideModel(30);
+    const Items popular = score(*model, nullptr).items;
+    ASSERT_EQ(popular.size(), 20U);
+    ScoreCaseRecord number;
+    number.SetNumber("sequence", 1.0);
+    ScoreCaseRecord missing;
+    missing.SetField("sequence", std::make_unique<NumericValue>("no number"));
+    ScoreCaseRecord vector;
+    vector.SetField("sequence", list(3));
+    for (const ScoreCaseRecord* record : {&number, &missing, &vector})
+      EXPECT_EQ(score(*model, record).items, popular);
 
-  ScoreCaseRecord type = recordOf("(1)");
-  type.SetNumber("returnType", 1.0);
-  EXPECT_EQ(score(*model, &type).target, "currentItems");
-  type.SetField("returnType", list(1));
-  EXPECT_EQ(score(*model, &type).target, "currentItems");
-  ScoreCaseRecord most = recordOf("(1)", "futureItems");
-  most.SetField("maxReturn", list(3));
-  EXPECT_EQ(score(*model, &most).items.size(), 3U);
+    ScoreCaseRecord type = recordOf("(1)");
+    type.SetNumber("returnType", 1.0);
+    EXPECT_EQ(score(*model, &type).target, "currentItems");
+    type.SetField("returnType", list(1));
+    EXPECT_EQ(score(*model, &type).target, "currentItems");
+    ScoreCaseRecord most = recordOf("(1)", "futureItems");
+    most.SetField("maxReturn", list(3));
+    EXPECT_EQ(score(*model, &most).items.size(), 3U);
+  }
+  meter.check();
 }
 
 TEST(HostileCaseFields, C20NullValuesAreNoFields) {
-  const auto model = wideModel(30);
-  ScoreCaseRecord record = recordOf("(1)", "futureItems");
-  record.SetText("maxReturn", "2");
-  for (const char* field : {"sequence", "returnType", "maxReturn", "fromCurrent"})
-    record.SetField(field, nullptr);
+  wideModel(30);  // what the host and the parser keep is made now
 
-  const Scored scored = score(*model, &record);
-
-  EXPECT_EQ(scored.items, score(*model, nullptr).items);
-  EXPECT_EQ(scored.items.size(), 20U);
-  EXPECT_EQ(scored.target, "currentItems");
+  const Meter meter(0);
+  {
+    const auto model = wideModel(30);
+    ScoreCaseRecord record = recordOf("(1)", "futureItems");
+    record.SetText("maxReturn", "2");
+    for (const char* field : {"sequence", "returnType", "maxReturn", "fromCurrent"})
+      record.SetField(field, nullptr);
+    const Scored scored = score(*model, &record);
+    EXPECT_EQ(scored.items, score(*model, nullptr).items);
+    EXPECT_EQ(scored.items.size(), 20U);
+    EXPECT_EQ(scored.target, "currentItems");
+  }
+  meter.check();
 }
 
 // A result of another kind, which tells when it goes.

@@ -1,4 +1,4 @@
-// Hostile case text: rows C01 to C14, C16 and C22. A case is always answered, with success, and as
+// Hostile case text: rows C01 to C16 and C22. A case is always answered, with success, and as
 // the item sets say that can be read from its text.
 
 #include <gmock/gmock.h>
@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "common/Limits.h"
 #include "engine/caseText.h"
 #include "scoring/hostapi/ScoreResult.h"
 #include "tests/hostile/Meter.h"
@@ -20,8 +21,11 @@
 namespace {
 
 using namespace std::string_literals;
+using orbseq::CaseLimits;
 using orbseq::engine::appendCaseText;
+using orbseq::engine::CaseLimitPassed;
 using orbseq::test::caseModel;
+using orbseq::test::messageUnder;
 using orbseq::test::Meter;
 using test::Answer;
 using test::ask;
@@ -32,6 +36,7 @@ using testing::IsEmpty;
 using ItemSets = std::vector<std::vector<std::int32_t>>;
 
 constexpr std::size_t kMiB = std::size_t{1} << 20;
+constexpr Mode kModes[] = {Mode::kCurrent, Mode::kFuture, Mode::kFutureAllBeginnings};
 
 ItemSets setsIn(std::string_view text) {
   orbseq::engine::History history;
@@ -61,6 +66,13 @@ std::string repeated(std::string_view text, std::size_t times) {
   return result;
 }
 
+// From 0x80 to 0xFF.
+std::string everyHighByte() {
+  std::string bytes;
+  for (int byte = 0x80; byte <= 0xFF; ++byte) bytes += static_cast<char>(byte);
+  return bytes;
+}
+
 struct Row {
   const char* name;
   std::string text;
@@ -82,8 +94,7 @@ TEST_P(HostileCaseText, IsAnsweredAsThoseItemSetsAre) {
   const Meter meter(row.text.size());
   {
     const auto model = caseModel();
-    for (const Mode mode : {Mode::kCurrent, Mode::kFuture, Mode::kFutureAllBeginnings})
-      EXPECT_EQ(ask(*model, row.text, mode), ask(*model, plain, mode));
+    for (const Mode mode : kModes) EXPECT_EQ(ask(*model, row.text, mode), ask(*model, plain, mode));
   }
   meter.check();
 }
@@ -133,6 +144,10 @@ const Row kRows[] = {
      "(1\x80\xFF\xC3\x28"
      "2)\xFE",
      {{1, 2}}},
+    {"C12EveryHighByte",
+     everyHighByte() + "(1" + everyHighByte() + "2)" + everyHighByte() + "(2)",
+     {{1, 2}, {2}}},
+    {"C12EveryHighByteInAStamp", "([1" + everyHighByte() + "2]2)", {{2}}},
     {"C12Utf8", "(1 \u00e9\uff13 2)", {{1, 2}}},  // a wide digit is no digit
     {"C12RightToLeftMarks", "(\u200f1\u202e2\u202c)", {{1, 2}}},
     {"C12NulInAStamp", "([1\0002]2)"s, {{2}}},
@@ -167,11 +182,14 @@ TEST(HostileCases, C03AnEmptyLastSetHasNoCurrentItems) {
 }
 
 TEST(HostileCases, C22ItemsThatAreAllUnknownHaveAnEmptyAnswer) {
-  const auto model = caseModel();
+  caseModel();  // what the host and the parser keep is made now
 
   for (const char* text : {"(5)", "(5 6)(7)", "(0)", "(4294967295)(2147483648)"})
-    for (const Mode mode : {Mode::kCurrent, Mode::kFuture, Mode::kFutureAllBeginnings})
-      EXPECT_THAT(ask(*model, text, mode), IsEmpty()) << text;
+    for (const Mode mode : kModes) {
+      const Meter meter(std::string_view(text).size());
+      EXPECT_THAT(ask(*caseModel(), text, mode), IsEmpty()) << text;
+      meter.check();
+    }
 }
 
 // The items from `first` down to `last`, in one set.
@@ -181,47 +199,110 @@ std::string fallingSet(int first, int last) {
   return text + ")";
 }
 
-// Item 1 comes last in the text, behind as many unknown items as there are.
+// Item 1, behind so many others that no model here knows.
+std::string setThatEndsWith1(int others) {
+  std::string text = fallingSet(others + 9, 10);
+  text.insert(text.size() - 1, "1");
+  return text;
+}
+
+// What (1) is answered with.
+Answer answerTo1(Mode mode) {
+  return mode == Mode::kCurrent ? Answer{2, 0.5, 0.4, 0.8} : Answer{2, 0.25, 0.2, 0.4};
+}
+
 TEST(HostileCases, C13SetsOfAnySizeAreReadWhole) {
-  const auto model = caseModel();
-  const std::vector<Answer> expected = ask(*model, "(1)", Mode::kCurrent);
-  ASSERT_THAT(expected, ElementsAre(Answer{2, 0.5, 0.4, 0.8}));
+  for (const Mode mode : kModes)
+    ASSERT_THAT(ask(*caseModel(), "(1)", mode), ElementsAre(answerTo1(mode)));
 
   for (const int items : {99, 100, 101, 10'000}) {
-    std::string text = fallingSet(items + 8, 10);
-    text.insert(text.size() - 1, "1");
+    const std::string text = setThatEndsWith1(items - 1);
 
-    ASSERT_EQ(setsIn(text).size(), 1U);
-    EXPECT_EQ(setsIn(text).front().size(), static_cast<std::size_t>(items));
-    EXPECT_EQ(ask(*model, text, Mode::kCurrent), expected) << items;
+    const Meter meter(text.size());
+    {
+      const auto model = caseModel();
+      const ItemSets sets = setsIn(text);
+      ASSERT_EQ(sets.size(), 1U);
+      EXPECT_EQ(sets.front().size(), static_cast<std::size_t>(items));
+      for (const Mode mode : kModes)
+        EXPECT_THAT(ask(*model, text, mode), ElementsAre(answerTo1(mode))) << items;
+    }
+    meter.check();
   }
 }
 
 TEST(HostileCases, C14AMillionItemsInASetAreAnsweredWithinASecond) {
-  const auto model = caseModel();
-  std::string text = fallingSet(1'000'009, 10);
-  text.insert(text.size() - 1, "1");
+  caseModel();  // what the host and the parser keep is made now
+  const std::string text = setThatEndsWith1(999'999);
 
-  const auto begin = std::chrono::steady_clock::now();
-  const std::vector<Answer> current = ask(*model, text, Mode::kCurrent);
-  const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - begin;
+  for (const Mode mode : kModes) {
+    const Meter meter(text.size());
+    {
+      const auto model = caseModel();
+      const auto begin = std::chrono::steady_clock::now();
+      const std::vector<Answer> answers = ask(*model, text, mode);
+      const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - begin;
 
-  EXPECT_THAT(current, ElementsAre(Answer{2, 0.5, 0.4, 0.8}));
-  EXPECT_LT(spent.count(), 1.0 * Meter::slowdown());
-  EXPECT_THAT(ask(*model, text, Mode::kFuture), ElementsAre(Answer{2, 0.25, 0.2, 0.4}));
+      EXPECT_THAT(answers, ElementsAre(answerTo1(mode)));
+      EXPECT_LT(spent.count(), 1.0 * Meter::slowdown());
+    }
+    meter.check();
+  }
+}
+
+// What is told of a text that is read within the limits; empty: they hold it.
+std::string refusal(const std::string& text, const CaseLimits& limits) {
+  return messageUnder<CaseLimitPassed>(text.size(), [&] {
+    orbseq::engine::History history;
+    appendCaseText(text, limits, history);
+  });
+}
+
+// The limits of strangers, but for the bytes of the text.
+constexpr CaseLimits strangersOfAnyLength() {
+  CaseLimits limits = CaseLimits::strangers();
+  limits.textBytes = CaseLimits::kNone;
+  return limits;
+}
+
+TEST(HostileCases, C14AMillionItemsInASetAreTooManyOfAStranger) {
+  const std::string text = setThatEndsWith1(999'999);
+
+  EXPECT_EQ(refusal(text, {}), "");
+  EXPECT_EQ(refusal(text, CaseLimits::strangers()),
+            "the history has more than 65536 bytes, the limit");
+  EXPECT_EQ(refusal(text, strangersOfAnyLength()),
+            "the history has more than 10000 items, the limit");
+}
+
+TEST(HostileCases, C15MoreThanAThousandSetsAreTooManyOfAStranger) {
+  const std::string most = repeated("(1)", 1'000);
+  const std::string many = repeated("(1)", 20'000);
+  const std::string tooMany = repeated("(1)", 100'000);
+
+  EXPECT_EQ(refusal(most, CaseLimits::strangers()), "");
+  EXPECT_EQ(refusal(many, {}), "");
+  EXPECT_EQ(refusal(many, CaseLimits::strangers()),
+            "the history has more than 1000 item sets, the limit");
+  EXPECT_EQ(refusal(tooMany, {}), "");
+  EXPECT_EQ(refusal(tooMany, CaseLimits::strangers()),
+            "the history has more than 65536 bytes, the limit");
+  EXPECT_EQ(refusal(tooMany, strangersOfAnyLength()),
+            "the history has more than 1000 item sets, the limit");
 }
 
 TEST(HostileCases, C16TextsOf64KiBAreAnsweredWithinATenthOfASecond) {
   constexpr std::size_t kBytes = 64 << 10;
-  const auto model = caseModel();
+  caseModel();  // what the host and the parser keep is made now
 
   for (const char* part : {"(", "()", "(1)"}) {
     const std::string text = repeated(part, kBytes / std::string_view(part).size());
-    for (const Mode mode : {Mode::kCurrent, Mode::kFuture, Mode::kFutureAllBeginnings}) {
-      const auto begin = std::chrono::steady_clock::now();
-      ask(*model, text, mode);
-      const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - begin;
+    for (const Mode mode : kModes) {
+      const Meter meter(text.size());
+      ask(*caseModel(), text, mode);
+      const std::chrono::duration<double> spent = meter.elapsed();
       EXPECT_LT(spent.count(), 0.1 * Meter::slowdown()) << part;
+      meter.check();
     }
   }
 }

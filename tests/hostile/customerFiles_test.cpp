@@ -3,15 +3,22 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
+#include <thread>
 
 #include "host/EnvironmentError.h"
 #include "io/LogReader.h"
@@ -38,10 +45,12 @@ using orbseq::test::kNobody;
 using orbseq::test::kSmallMemory;
 using orbseq::test::Meter;
 using orbseq::test::Outcome;
+using orbseq::test::Program;
 using orbseq::test::TempFolder;
 using orbseq::test::Training;
 using testing::EndsWith;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 const std::string kHead = "customer,time,item\n";
 
@@ -111,6 +120,77 @@ TEST(HostileFiles, V17AFileThatGrowsOrShrinksWhileItIsReadIsRefused) {
       errorOf<EnvironmentError>([&] { readWhile(path, [&] { fs::resize_file(path, half); }); }),
       path + ": the file changed while it was read: of " + size + " bytes at the beginning, " +
           std::to_string(half) + " at the end");
+}
+
+// What the system tells of a file that a process has open; nothing when none has.
+std::optional<fs::path> openFile(const std::string& path) {
+  std::error_code ignored;
+  for (const auto& process : fs::directory_iterator("/proc", ignored)) {
+    std::error_code gone;  // a process, or somebody else's
+    for (const auto& file : fs::directory_iterator(process.path() / "fd", gone))
+      if (fs::read_symlink(file.path(), gone) == path)
+        return process.path() / "fdinfo" / file.path().filename();
+  }
+  return std::nullopt;
+}
+
+// Bytes up to where the file was read; 0 when nobody reads it any more.
+std::uintmax_t placeIn(const fs::path& openFile) {
+  std::ifstream file(openFile);
+  std::string name;
+  std::uintmax_t place = 0;
+  file >> name >> place;
+  return place;
+}
+
+// Trains on the log and does `change` while it is read, somewhere between its first block and its
+// end. Nothing when the program was too fast for that.
+std::optional<Outcome> trainWhile(const Training& training, const std::string& log,
+                                  const std::function<void()>& change) {
+  const std::uintmax_t size = fs::file_size(log);
+  Program program({"train", "--quiet", "--input", log, "--output", training.folder().path("m.xml"),
+                   "--min-support", "1", "--max-items", "1"});
+  std::optional<fs::path> file;
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  while (!(file = openFile(log)) && std::chrono::steady_clock::now() < end)
+    std::this_thread::sleep_for(std::chrono::microseconds(100));
+  while (file && placeIn(*file) == 0 && std::chrono::steady_clock::now() < end)
+    std::this_thread::sleep_for(std::chrono::microseconds(100));
+  program.signal(SIGSTOP);
+  change();
+  const std::uintmax_t place = file ? placeIn(*file) : 0;
+  program.signal(SIGCONT);
+  const Outcome outcome = program.wait();
+  if (place == 0 || place >= size) return std::nullopt;
+  return outcome;
+}
+
+TEST(HostileFiles, V17AFileThatGrowsOrShrinksIsNoModel) {
+  std::string rows = kHead;
+  for (int i = 0; i < 2'000'000; ++i) rows += "a," + std::to_string(i) + ",5\n";
+  const std::size_t half = rows.find('\n', rows.size() / 2) + 1;
+  for (const bool grows : {true, false}) {
+    constexpr int kTries = 10;
+    std::optional<Outcome> outcome;
+    for (int i = 0; i < kTries && !outcome; ++i) {
+      const Training training;
+      const std::string log = training.folder().file("log.csv", rows);
+      outcome = trainWhile(training, log, [&] {
+        if (grows)
+          append(log, "b,1,5\n");
+        else
+          fs::resize_file(log, half);
+      });
+      if (!outcome) continue;
+      EXPECT_EQ(outcome->status, 3) << outcome->error;
+      EXPECT_THAT(outcome->error,
+                  StartsWith("orbseq: " + log + ": the file changed while it was read: of " +
+                             std::to_string(rows.size()) + " bytes at the beginning, "));
+      EXPECT_EQ(std::count(outcome->error.begin(), outcome->error.end(), '\n'), 1);
+      training.expectOldModel(1);
+    }
+    EXPECT_TRUE(outcome.has_value()) << "the log was never seen half read";
+  }
 }
 
 TEST(HostileFiles, V17AFileThatVanishesWhileItIsReadIsReadToItsEnd) {

@@ -1,11 +1,13 @@
 // Hostile customers' data: rows V09 to V15, what items, times, customers and baskets make of a log
-// that can be read.
+// that can be read; and rows C14 and C15 of the histories of strangers.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "io/IoError.h"
@@ -27,6 +29,7 @@ using orbseq::test::run;
 using orbseq::test::TempFolder;
 using orbseq::test::Training;
 using testing::AllOf;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -61,6 +64,17 @@ TEST(HostileItems, V10TheNumberOfTextsHasALimit) {
     EXPECT_EQ(readLog(path, options).labels.size(), kTexts + 1);
   }
   EXPECT_EQ(LogOptions().builder.mostTexts, 4'000'000U);
+}
+
+// The limit that the program has, which no option moves.
+TEST(HostileItems, V10FourMillionTextsAreTheMostOfAModel) {
+  if (std::getenv("ORBSEQ_LONG_RUN") == nullptr) GTEST_SKIP() << "for long runs: it takes a minute";
+  constexpr std::size_t kTexts = 4'000'000;
+  std::string rows = kHead;
+  for (std::size_t i = 0; i <= kTexts; ++i) rows += "a,1,x" + std::to_string(i) + "\n";
+
+  Training().expectRefused("log.csv", rows,
+                           ":4000002:3: more than 4000000 different items are texts, the limit");
 }
 
 TEST(HostileItems, V10ALabelOfAMegabyteIsKeptWhole) {
@@ -119,6 +133,37 @@ TEST_P(HostileLabel, IsEscapedInWhatIsWritten) {
   const std::string again = training.folder().path("again.xml");
   EXPECT_EQ(run({"convert", "--model", model, "--output", again}).status, 0);
   EXPECT_THAT(orbseq::test::contentOf(again), HasSubstr("mappedValue=\"" + row.document + "\""));
+}
+
+// A rule from the label's item to itself, and the reasons for it.
+TEST_P(HostileLabel, IsEscapedInRulesAndReasons) {
+  const LabelRow& row = GetParam();
+  std::string quoted, json;
+  for (const char c : row.label) {
+    quoted += c == '"' ? "\"\"" : std::string(1, c);
+    json += c == '"' ? "\\\"" : std::string(1, c);
+  }
+  const Training training;
+  const std::string log =
+      training.folder().file("log.csv", kHead + "a,1,\"" + quoted + "\"\na,2,\"" + quoted + "\"\n");
+  ASSERT_EQ(training.train(log).status, 0);
+  const std::string model = training.folder().path("m.xml");
+  const auto rules = [&](const std::string& format) {
+    return run({"rules", "--quiet", "--labels", "--model", model, "--format", format}).output;
+  };
+  const auto reasons = [&](const std::string& format) {
+    return run({"explain", "--quiet", "--model", model, "--history", "(1)", "--return", "future",
+                "--format", format})
+        .output;
+  };
+
+  EXPECT_THAT(rules("csv"), EndsWith("\n" + row.csv + "," + row.csv + ",1,1,1,1,1\n"));
+  EXPECT_THAT(rules("jsonl"), AllOf(HasSubstr("\"antecedent_labels\":[[\"" + json + "\"]]"),
+                                    HasSubstr("\"consequent_labels\":[[\"" + json + "\"]]")));
+  const std::string pmml = run({"rules", "--quiet", "--model", model, "--format", "pmml"}).output;
+  EXPECT_THAT(pmml, HasSubstr("<Item id=\"1\" value=\"1\" mappedValue=\"" + row.document + "\"/>"));
+  EXPECT_THAT(reasons("csv"), HasSubstr("\n-,1,1," + row.csv + ",1,1,1,1,1,1,0,future,(1)\n"));
+  EXPECT_THAT(reasons("jsonl"), HasSubstr("\"item\":1,\"label\":\"" + json + "\","));
 }
 
 const LabelRow kLabels[] = {
@@ -261,6 +306,72 @@ TEST(HostileItems, V15SequencesEndAt31ItemsWhichTheSummaryTells) {
   EXPECT_THAT(outcome.error,
               AllOf(HasSubstr(" 11 of 30, 10 of 31 items\n"),
                     HasSubstr("looked at up to 31 items, 31 item sets, 31 items in a set\n")));
+}
+
+// --- Histories of strangers ----------------------------------------------------------------------
+
+const char* const kModel = ORBSEQ_SOURCE_DIR "/examples/shop/lattice.xml";
+
+using Options = std::vector<std::string>;
+
+const Options kStrangers = {"--limits", "strangers"};
+const Options kFuture = {"--return", "future"};
+const Options kEveryBeginning = {"--return", "future", "--all-prefixes"};
+
+// The answers to the histories, or the error.
+Outcome scored(const std::string& path, const Options& question, const Options& limits) {
+  Options options = {"score", "--model", kModel, "--input", path, "--quiet"};
+  options.insert(options.end(), question.begin(), question.end());
+  options.insert(options.end(), limits.begin(), limits.end());
+  return run(options);
+}
+
+// Expects that the second history is refused with the limit, and that it has no answer.
+void expectTooLarge(const Outcome& outcome, const std::string& place, const std::string& limit) {
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.error,
+            "orbseq: " + place + ": the history has more than " + limit + ", the limit\n");
+  EXPECT_THAT(outcome.output, Not(HasSubstr("\nBen")));
+}
+
+TEST(HostileHistories, C14AMillionItemsInASetAreAnErrorThatNamesTheRow) {
+  std::string items;
+  for (int item = 0; item < 1'000'000; ++item) items += std::to_string(item) + " ";
+  const TempFolder folder;
+  const std::string path = folder.file("c.jsonl",
+                                       "{\"customer\": \"Anna\", \"history\": \"(102)\"}\n"
+                                       "{\"customer\": \"Ben\", \"history\": \"(" +
+                                           items + ")\"}\n");
+
+  for (const Options& question : {Options(), kFuture, kEveryBeginning}) {
+    EXPECT_EQ(scored(path, question, {}).status, 0);
+    expectTooLarge(scored(path, question, kStrangers), path + ":2", "65536 bytes");
+    expectTooLarge(
+        scored(path, question, {"--limits", "strangers", "--max-case-bytes", "10000000"}),
+        path + ":2", "10000 items");
+  }
+}
+
+TEST(HostileHistories, C15MoreThanAThousandSetsAreAnErrorThatNamesTheRow) {
+  const TempFolder folder;
+  const auto histories = [&folder](int sets) {
+    std::string rows = "customer,history\nAnna,(102)\nBen,\"";
+    for (int set = 0; set < sets; ++set) rows += set % 2 == 0 ? "(1)" : "(2)";
+    return folder.file("c.csv", rows + "(101)\"\n");
+  };
+  std::string path = histories(999);
+
+  const Outcome answered = scored(path, kEveryBeginning, kStrangers);
+
+  EXPECT_EQ(answered.status, 0) << answered.error;
+  EXPECT_THAT(answered.output, HasSubstr("\nBen,1,"));
+  EXPECT_EQ(answered.output, scored(path, kEveryBeginning, {}).output);
+  for (const auto& [sets, limit] :
+       {std::pair{1'000, "1000 item sets"}, {20'000, "1000 item sets"}, {100'000, "65536 bytes"}}) {
+    path = histories(sets);
+    EXPECT_EQ(scored(path, kEveryBeginning, {}).status, 0);
+    expectTooLarge(scored(path, kEveryBeginning, kStrangers), path + ":3", limit);
+  }
 }
 
 TEST(HostileItems, HaveATestForEveryRow) { orbseq::test::expectTestsOfRows('V', 18); }

@@ -55,6 +55,9 @@ const RefusedRow kStatistics[] = {
     {"D10NoMaxSequenceSize",
      {{" maxSequenceSize=\"3\"", ""}},
      at("/SeqInputStats/@maxSequenceSize", 6) + "attribute missing"},
+    {"D10NoVersion",
+     {{" version=\"1.2.1\"", ""}},
+     "lattice refused: document element/@version (line 4, column 1): attribute missing"},
     {"D10NoNumberOfItems", {{" numberOfItems=\"2\"", ""}}, kItems + "attribute missing"},
 };
 INSTANTIATE_TEST_SUITE_P(Statistics, HostileNumbers, testing::ValuesIn(kStatistics),

@@ -22,6 +22,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <initializer_list>
 #include <iostream>
 #include <new>
@@ -83,17 +84,17 @@ inline int nextDescriptor() {
 
 // How the operation ends when its n-th allocation fails; `hasFailed`: whether it asked for so many.
 template <class Operation>
-End endOf(Operation& operation, long n, Failing failing, bool& hasFailed) {
+End endOf(Operation& operation, long n, Failing failing, FailingIn threads, bool& hasFailed) {
   using SEQUENCE_NAMESPACE_800::SeqExceptions;
   const Unheard unheard;
   End end = End::kForeign;
-  const FailAllocation failure(n, failing);
+  const FailAllocation failure(n, failing, threads);
   try {
     end = operation.run();
+  } catch (const SeqExceptions::DictionaryFailure&) {  // a bad_alloc as well
+    end = End::kDictionaryFailure;
   } catch (const std::bad_alloc&) {
     end = End::kBadAlloc;
-  } catch (const SeqExceptions::DictionaryFailure&) {
-    end = End::kDictionaryFailure;
   } catch (SeqExceptions::IOException* error) {
     delete error;
     end = End::kIoException;
@@ -107,36 +108,46 @@ End endOf(Operation& operation, long n, Failing failing, bool& hasFailed) {
 }
 
 inline constexpr long kMostAllocations = 100'000;  // of an operation
-inline constexpr long kEach = 200;  // of a long one: from there on only every seventh fails
+
+// Of a save to a file, which takes so long that from there on only every seventh fails; each does
+// when ORBSEQ_LONG_RUN is set.
+inline long eachOfASave() {
+  return std::getenv("ORBSEQ_LONG_RUN") != nullptr ? kMostAllocations : 200;
+}
 
 // What the object that an operation fills holds before.
 enum class Former { kNone, kOther };
 
 // Expects that the operation, however its memory fails, ends in one of the allowed ways, keeps its
 // promises and leaves nothing behind. Without a failure it must be done. From allocation `each` on,
-// every seventh alone fails: for operations that are long.
+// every seventh alone fails: for operations that are long. Those of other threads than the calling
+// one fail where that is asked for, and then none of its own.
 template <class Operation>
 void failEveryAllocationOf(Failing failing, std::initializer_list<End> allowed,
-                           long each = kMostAllocations) {
+                           long each = kMostAllocations,
+                           FailingIn threads = FailingIn::kThisThread) {
   constexpr long kStep = 7;
   const char* const when = failing == Failing::kOnce ? ", once" : ", and all that follow";
   {
     Operation operation;  // what a library makes once and keeps is made now
     bool hasFailed = false;
-    const End end = endOf(operation, 0, failing, hasFailed);
+    const End end = endOf(operation, 0, failing, threads, hasFailed);
     ASSERT_EQ(end, End::kDone) << "with enough memory";
     const testing::ScopedTrace trace(__FILE__, __LINE__, "with enough memory");
     operation.check(end);
   }
-  bool hasFailed = true;
-  for (long n = 1; hasFailed; n += n < each ? 1 : kStep) {
+  // How much other threads do is chance: whether they come to an allocation is tried often.
+  const int tries = threads == FailingIn::kThisThread ? 1 : 20;
+  int left = tries;
+  for (long n = 1; left > 0;) {
+    bool hasFailed = false;
     ASSERT_LT(n, kMostAllocations) << "the operation does not end";
     End end = End::kForeign;
     const int file = nextDescriptor();
     const long before = livingBlocks();
     {
       Operation operation;
-      end = endOf(operation, n, failing, hasFailed);
+      end = endOf(operation, n, failing, threads, hasFailed);
       const testing::ScopedTrace trace(__FILE__, __LINE__,
                                        "allocation " + std::to_string(n) + when);
       operation.check(end);
@@ -149,13 +160,16 @@ void failEveryAllocationOf(Failing failing, std::initializer_list<End> allowed,
         (hasFailed && std::find(allowed.begin(), allowed.end(), end) != allowed.end());
     EXPECT_TRUE(isAllowed) << "allocation " << n << when << ": " << end;
     if (testing::Test::HasFatalFailure()) return;
+    left = hasFailed ? tries : left - 1;
+    if (hasFailed) n += n < each ? 1 : kStep;
   }
 }
 
 template <class Operation>
-void failEveryAllocationOf(std::initializer_list<End> allowed, long each = kMostAllocations) {
-  failEveryAllocationOf<Operation>(Failing::kOnce, allowed, each);
-  failEveryAllocationOf<Operation>(Failing::kForEver, allowed, each);
+void failEveryAllocationOf(std::initializer_list<End> allowed, long each = kMostAllocations,
+                           FailingIn threads = FailingIn::kThisThread) {
+  failEveryAllocationOf<Operation>(Failing::kOnce, allowed, each, threads);
+  failEveryAllocationOf<Operation>(Failing::kForEver, allowed, each, threads);
 }
 
 }  // namespace orbseq::test

@@ -8,6 +8,7 @@
 
 #include <new>
 #include <string>
+#include <thread>
 #include <utility>
 
 namespace {
@@ -99,6 +100,33 @@ TEST(EveryAllocation, AFileThatIsLeftOpenIsFound) {
   EXPECT_NONFATAL_FAILURE(failEveryAllocationOf<OpenFile>(Failing::kOnce, {End::kBadAlloc}),
                           "a file left open, allocation 1, once");
   ::close(OpenFile::lost);
+}
+
+// Leaves what it has when there is no memory for more, in a thread of its own.
+class LeakElsewhere {
+ public:
+  End run() {
+    std::thread([] {
+      void* const first = ::operator new(8, std::nothrow);
+      void* const second = ::operator new(8, std::nothrow);
+      if (second == nullptr)
+        lost = first;
+      else
+        ::operator delete(first);
+      ::operator delete(second);
+    }).join();
+    return End::kDone;
+  }
+  void check(End) {}
+
+  inline static void* lost = nullptr;
+};
+
+TEST(EveryAllocation, ALeakInAnotherThreadIsFound) {
+  EXPECT_NONFATAL_FAILURE(failEveryAllocationOf<LeakElsewhere>(Failing::kOnce, {}, kMostAllocations,
+                                                               FailingIn::kOtherThreads),
+                          "blocks left behind, allocation 2, once");
+  ::operator delete(LeakElsewhere::lost);
 }
 
 TEST(EveryAllocation, AForeignExceptionIsFound) {

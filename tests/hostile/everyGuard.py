@@ -26,6 +26,7 @@ PROGRAMS = ("hostile_tests", "hostile_data_tests", "hostile_files_tests", "host_
 MOST_BYTES = 8 << 30
 MOST_SECONDS = 60
 GUARD = re.compile(r'\bguarded\(\s*"([^"]*)"\s*([,)])')
+ATTRIBUTE = re.compile(r'\.(?:integer|text)\(u"(\w+)"')
 HEAD = """# Every check of what comes from outside, and a test that fails without it:
 # name of the check, program, test. everyGuard.py makes this table and runs it.
 """
@@ -57,13 +58,17 @@ def rows():
 
 
 def guards_in_sources():
-    """Whole names, and the beginnings of those that are put together."""
+    """Whole names, and the beginnings of those that are put together; an attribute that is read
+    must be there, so that it has a whole name."""
     whole, beginnings = set(), set()
     for path in ROOT.rglob("*.cpp"):
         if path.relative_to(ROOT).parts[0] in ("out", "tests", "build"):
             continue
-        for name, end in GUARD.findall(path.read_text()):
+        text = path.read_text()
+        for name, end in GUARD.findall(text):
             (whole if end == ")" else beginnings).add(name)
+        if path.parent.name in ("document", "scoring"):
+            whole.update(f"document.missing {name}" for name in ATTRIBUTE.findall(text))
     return whole, beginnings
 
 

@@ -2,7 +2,8 @@
 // whole, or not at all and says so.
 //
 // Every call of the program that a save needs is made to fail in its turn, by a library that is
-// loaded before the others (failingCalls.cpp), once or with all that follow.
+// loaded before the others (failingCalls.cpp), once or with all that follow. Writes take only a
+// part of their bytes, too: then the save goes on.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -26,6 +27,7 @@ namespace fs = std::filesystem;
 
 using namespace orbseq::test;
 using testing::Contains;
+using testing::Each;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -41,11 +43,15 @@ struct Failure {
   long first;  // number of the call
   bool all;    // it and all that follow
   int error;
+  bool removals;  // removing a file fails, too
 };
+
+// A write that takes a part of its bytes.
+constexpr int kShortWrite = 0;
 
 std::ostream& operator<<(std::ostream& out, const Failure& failure) {
   return out << "call " << failure.first << (failure.all ? " and all that follow" : " alone")
-             << ", error " << failure.error;
+             << (failure.removals ? "" : " but removals") << ", error " << failure.error;
 }
 
 struct Hindered {
@@ -62,6 +68,8 @@ Hindered runHindered(std::vector<std::string> arguments, Surroundings surroundin
                               "FAILING_CALLS_ERROR=" + std::to_string(failure.error),
                               "FAILING_CALLS_REPORT=" + folder.path("report")};
   if (failure.all) surroundings.environment.push_back("FAILING_CALLS_ALL=1");
+  if (!failure.removals) surroundings.environment.push_back("FAILING_CALLS_KEPT=1");
+  if (failure.error == kShortWrite) surroundings.environment.push_back("FAILING_CALLS_SHORT=1");
   Hindered hindered;
   hindered.outcome = run(std::move(arguments), surroundings);
   std::istringstream report(contentOf(folder.path("report")));
@@ -69,9 +77,13 @@ Hindered runHindered(std::vector<std::string> arguments, Surroundings surroundin
   return hindered;
 }
 
+// Whether a call of that name may fail and the save go on: what is only read may be closed without
+// a question, and the file's owner be another one.
+bool mayBeGotOver(const std::string& call) { return call == "close" || call == "fchown"; }
+
 // What is wrong after a save over the files in the folder that was hindered so; empty: nothing.
-std::vector<std::string> faultsOf(const Hindered& save, const Content& content,
-                                  const TempFolder& folder) {
+std::vector<std::string> faultsOf(const Hindered& save, const Failure& failure,
+                                  const Content& content, const TempFolder& folder) {
   const Files files = filesAt(folder.path("m"));
   const bool hasFailed = save.failed != "none";
   const bool hasNew = files.model == content.after.model;
@@ -86,18 +98,23 @@ std::vector<std::string> faultsOf(const Hindered& save, const Content& content,
       "the labels are torn");
   // Both are on the disk before the first is renamed.
   expect(!hasNew || files.labels == content.after.labels || save.failed == "rename" ||
-             save.failed == "fsync" || save.failed == "close",
+             save.failed == "fsync" || save.failed == "close" || save.failed == "remove",
          "the labels are another model's");
   expect(save.outcome.status == 0 || (hasFailed && save.outcome.status == 3),
          "a wrong exit status");
   expect(save.outcome.status != 0 || (hasNew && files.labels == content.after.labels),
          "not saved, and not told");
-  // What is only read may be closed without a question.
-  expect(save.outcome.status != 0 || !hasFailed || save.failed == "close", "a failure is not told");
+  const bool isShort = failure.error == kShortWrite;
+  expect(!isShort || save.outcome.status == 0, "a short write is not gone on with");
+  expect(save.outcome.status != 0 || !hasFailed || isShort || mayBeGotOver(save.failed),
+         "a failure is not told");
   expect(lines == (save.outcome.status == 0 ? 0 : 1), "not one line of an error");
   for (const auto& entry : fs::directory_iterator(folder.path())) {
     const std::string name = entry.path().filename();
-    expect(name == "m" || name == "m.labels.csv" || name == "link", "a temporary file is left");
+    const bool isExpected = name == "m" || name == "m.labels.csv" || name == "link";
+    // Where no file can be removed, nobody can remove the temporary one.
+    expect(isExpected || (failure.all && failure.removals && hasFailed),
+           "a temporary file is left");
   }
   return faults;
 }
@@ -109,17 +126,19 @@ std::vector<std::string> faultsOfEveryFailure(const Content& content, ArgumentsF
                                               const Surroundings& surroundings = {},
                                               bool throughLink = false) {
   std::vector<std::string> all;
-  for (const auto& [forEver, error] : {std::pair{false, EIO}, std::pair{true, ENOSPC}}) {
+  for (Failure failure :
+       {Failure{0, false, EIO, true}, Failure{0, true, ENOSPC, false}, Failure{0, true, EIO, true},
+        Failure{0, false, kShortWrite, true}, Failure{0, true, kShortWrite, true}}) {
     bool completes = false;
     for (long first = 1; !completes && first < 1000; ++first) {
-      const Failure failure{first, forEver, error};
+      failure.first = first;
       const TempFolder folder;
       put(content.before, folder);
       if (throughLink) fs::create_symlink("m", folder.path("link"));
       const Hindered save =
           runHindered(argumentsFor(folder.path(throughLink ? "link" : "m")), surroundings, failure);
       completes = save.failed == "none";
-      for (const std::string& fault : faultsOf(save, content, folder)) {
+      for (const std::string& fault : faultsOf(save, failure, content, folder)) {
         std::ostringstream text;
         text << failure << " (" << save.failed << "): " << fault << ": status "
              << save.outcome.status << ", " << save.outcome.error;
@@ -127,7 +146,8 @@ std::vector<std::string> faultsOfEveryFailure(const Content& content, ArgumentsF
       }
       if (throughLink && !fs::is_symlink(folder.path("link"))) all.emplace_back("the link is gone");
       // A save makes a file, writes it, brings it to the disk, closes and renames it.
-      if (completes && first < 6) all.emplace_back("too few calls were seen");
+      if (completes && first < (failure.error == kShortWrite ? 2 : 6))
+        all.emplace_back("too few calls were seen");
     }
     if (!completes) all.emplace_back("the save does not complete");
   }
@@ -148,10 +168,18 @@ std::vector<std::string> faultsOfCareless(const std::string& how) {
 
 class FailingCalls : public testing::Test {};
 
-TEST_F(FailingCalls, ACarefulSaverPasses) { EXPECT_THAT(faultsOfCareless("careful"), IsEmpty()); }
+// But it takes a short write for an error.
+TEST_F(FailingCalls, ACarefulSaverPasses) {
+  const std::vector<std::string> faults = faultsOfCareless("careful");
+
+  EXPECT_THAT(faults, Each(HasSubstr("error 0 (write): ")));
+  EXPECT_THAT(faults, Contains(HasSubstr("a short write is not gone on with")));
+}
 
 TEST_F(FailingCalls, ACarelessSaverIsFound) {
-  EXPECT_THAT(faultsOfCareless("write"), Contains(HasSubstr("(write): the file is torn")));
+  const std::vector<std::string> write = faultsOfCareless("write");
+  EXPECT_THAT(write, Contains(HasSubstr("error 5 (write): the file is torn")));
+  EXPECT_THAT(write, Contains(HasSubstr("error 0 (write): the file is torn")));
   EXPECT_THAT(faultsOfCareless("sync"), Contains(HasSubstr("(fsync): a failure is not told")));
   EXPECT_THAT(faultsOfCareless("leave"), Contains(HasSubstr("a temporary file is left")));
   EXPECT_THAT(faultsOfCareless("silent"), Contains(HasSubstr("not one line of an error")));

@@ -3,15 +3,21 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <span>
 #include <sstream>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include "io/CompiledModel.h"
 #include "io/ModelFile.h"
+#include "mining/CarmaMiner.h"
 #include "mining/ExactMiner.h"
 #include "mining/SequenceDatabase.h"
 #include "mining/fillDictionary.h"
@@ -23,6 +29,7 @@
 namespace {
 
 using namespace orbseq::test;
+using orbseq::CarmaMiner;
 using orbseq::MinerOptions;
 using orbseq::Model;
 using orbseq::ModelForm;
@@ -30,10 +37,9 @@ using orbseq::SequenceDatabase;
 
 // --- Mining --------------------------------------------------------------------------------------
 
-SequenceDatabase customers() {
-  constexpr int kCustomers = 12;
+SequenceDatabase customers(int count) {
   SequenceDatabase database;
-  for (int customer = 0; customer < kCustomers; ++customer) {
+  for (int customer = 0; customer < count; ++customer) {
     database.beginCustomer();
     for (int set = 0; set < 3; ++set) {
       database.beginSet(set);
@@ -71,22 +77,103 @@ class Mine {
     EXPECT_TRUE(contentsOf(*lattice_) == expected);
   }
 
- private:
-  SequenceDatabase database_ = customers();
+ protected:
   MinerOptions options_;
+
+ private:
+  SequenceDatabase database_ = customers(12);
   std::unique_ptr<orbseq::Lattice> lattice_;
 };
 
 constexpr auto kMiningEnds = {End::kBadAlloc, End::kDictionaryFailure, End::kReported};
 
-TEST(OutOfMemory, Mining) { failEveryAllocationOf<Mine<1, false>>(kMiningEnds, kEach); }
+TEST(OutOfMemory, Mining) { failEveryAllocationOf<Mine<1, false>>(kMiningEnds); }
 
-TEST(OutOfMemory, MiningWithBoundsOfTime) {
-  failEveryAllocationOf<Mine<1, true>>(kMiningEnds, kEach);
-}
+TEST(OutOfMemory, MiningWithBoundsOfTime) { failEveryAllocationOf<Mine<1, true>>(kMiningEnds); }
 
 // It fails in the calling thread; the other one must end, too.
-TEST(OutOfMemory, MiningOnTwoThreads) { failEveryAllocationOf<Mine<2, false>>(kMiningEnds, kEach); }
+TEST(OutOfMemory, MiningOnTwoThreads) { failEveryAllocationOf<Mine<2, false>>(kMiningEnds); }
+
+// The calling thread holds its first task for so long that the other one takes the rest of them.
+class MineElsewhere : public Mine<2, false> {
+ public:
+  MineElsewhere() {
+    options_.progress = [](const orbseq::MinerStatus&) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(3));
+      return true;
+    };
+  }
+  void check(End end) {
+    if (end == End::kBadAlloc) ++failures;
+    Mine::check(end);
+  }
+
+  inline static int failures = 0;
+};
+
+TEST(OutOfMemory, MiningInAThreadThatTheCallerWaitsFor) {
+  MineElsewhere::failures = 0;
+
+  failEveryAllocationOf<MineElsewhere>({End::kBadAlloc}, kMostAllocations,
+                                       FailingIn::kOtherThreads);
+
+  EXPECT_GT(MineElsewhere::failures, 10) << "the other thread had hardly anything to do";
+}
+
+// With the lattice as the working store, and with or without a second pass.
+template <bool kOnePass>
+class MineByCarma {
+ public:
+  End run() {
+    MinerOptions options;
+    options.maxItems = 3;
+    SEQUENCE_NAMESPACE_800::SeqDictionarySettings settings;
+    settings.numLevels = options.maxItems + 1;
+    auto lattice = std::make_unique<orbseq::Lattice>(settings);
+    {
+      CarmaMiner miner(*lattice, /*support=*/0.5, options);
+      for (const Sets& customer : sets_) miner.add(customer);
+      finish(miner);
+    }
+    const bool isBuilt = lattice->buildLattice().IsOK();
+    lattice_ = std::move(lattice);
+    return isBuilt ? End::kDone : End::kReported;
+  }
+  void check(End end) {
+    if (end != End::kDone) {
+      EXPECT_EQ(run(), End::kDone);
+    }
+    static const std::map<std::string, std::string> expected = contentsOf(*lattice_);
+    ASSERT_GT(expected.size(), 10U);
+    EXPECT_TRUE(contentsOf(*lattice_) == expected);
+  }
+
+ private:
+  using Sets = std::vector<std::span<const std::int32_t>>;
+
+  static std::vector<Sets> setsOf(const SequenceDatabase& database) {
+    std::vector<Sets> all(database.customers());
+    for (std::size_t c = 0; c < all.size(); ++c)
+      for (std::size_t set = database.firstSet(c); set < database.firstSet(c + 1); ++set)
+        all[c].push_back(database.items(set));
+    return all;
+  }
+  void finish(CarmaMiner& miner) const {
+    if (kOnePass) return miner.finishByBounds();
+    miner.beginSecondPass();
+    for (const Sets& customer : sets_)
+      if (!miner.recount(customer)) break;
+    miner.finishSecondPass();
+  }
+
+  const SequenceDatabase database_ = customers(6);
+  const std::vector<Sets> sets_ = setsOf(database_);
+  std::unique_ptr<orbseq::Lattice> lattice_;
+};
+
+TEST(OutOfMemory, MiningByCarma) { failEveryAllocationOf<MineByCarma<false>>(kMiningEnds); }
+
+TEST(OutOfMemory, MiningByCarmaInOnePass) { failEveryAllocationOf<MineByCarma<true>>(kMiningEnds); }
 
 // --- Saving --------------------------------------------------------------------------------------
 
@@ -132,19 +219,19 @@ class Save {
 };
 
 TEST(OutOfMemory, SavingADocument) {
-  failEveryAllocationOf<Save<ModelForm::kDocument>>({End::kBadAlloc}, kEach);
+  failEveryAllocationOf<Save<ModelForm::kDocument>>({End::kBadAlloc}, eachOfASave());
 }
 TEST(OutOfMemory, SavingPmml) {
-  failEveryAllocationOf<Save<ModelForm::kPmml>>({End::kBadAlloc}, kEach);
+  failEveryAllocationOf<Save<ModelForm::kPmml>>({End::kBadAlloc}, eachOfASave());
 }
 TEST(OutOfMemory, SavingBinary) {
-  failEveryAllocationOf<Save<ModelForm::kBinary>>({End::kBadAlloc});
+  failEveryAllocationOf<Save<ModelForm::kBinary>>({End::kBadAlloc}, eachOfASave());
 }
 TEST(OutOfMemory, SavingObjectXml) {
-  failEveryAllocationOf<Save<ModelForm::kObjectXml>>({End::kBadAlloc}, kEach);
+  failEveryAllocationOf<Save<ModelForm::kObjectXml>>({End::kBadAlloc}, eachOfASave());
 }
 TEST(OutOfMemory, SavingCompiled) {
-  failEveryAllocationOf<Save<ModelForm::kCompiled>>({End::kBadAlloc}, kEach);
+  failEveryAllocationOf<Save<ModelForm::kCompiled>>({End::kBadAlloc}, eachOfASave());
 }
 
 // --- Reading back --------------------------------------------------------------------------------
@@ -159,6 +246,9 @@ const std::string& savedModel() {
   }();
   return path;
 }
+
+// A DictionaryFailure is a bad_alloc.
+constexpr auto kReadingEnds = {End::kBadAlloc, End::kDictionaryFailure};
 
 class ReadCompiled {
  public:
@@ -181,7 +271,7 @@ class ReadCompiled {
 };
 
 TEST(OutOfMemory, ReadingACompiledFormFromAFile) {
-  failEveryAllocationOf<ReadCompiled>({End::kBadAlloc});
+  failEveryAllocationOf<ReadCompiled>(kReadingEnds);
 }
 
 template <ModelForm kForm>
@@ -206,11 +296,11 @@ class Read {
 };
 
 TEST(OutOfMemory, ReadingBinaryFromAFile) {
-  failEveryAllocationOf<Read<ModelForm::kBinary>>({End::kBadAlloc});
+  failEveryAllocationOf<Read<ModelForm::kBinary>>(kReadingEnds);
 }
 
 TEST(OutOfMemory, ReadingObjectXmlFromAFile) {
-  failEveryAllocationOf<Read<ModelForm::kObjectXml>>({End::kBadAlloc});
+  failEveryAllocationOf<Read<ModelForm::kObjectXml>>(kReadingEnds);
 }
 
 }  // namespace

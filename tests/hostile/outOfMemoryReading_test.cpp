@@ -58,7 +58,7 @@ class Translate {
 };
 
 TEST(OutOfMemory, Translating) {
-  failEveryAllocationOf<Translate>({End::kBadAlloc, End::kDictionaryFailure}, kEach);
+  failEveryAllocationOf<Translate>({End::kBadAlloc, End::kDictionaryFailure});
 }
 
 class MakeTranslator {

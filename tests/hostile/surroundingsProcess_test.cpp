@@ -12,35 +12,52 @@
 
 #include <chrono>
 #include <clocale>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
+#include <exception>
 #include <functional>
 #include <locale>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "io/IoError.h"
+#include "io/LogReader.h"
 #include "io/ModelFile.h"
 #include "tests/hostile/Feed.h"
 #include "tests/hostile/Meter.h"
+#include "tests/hostile/ownWork.h"
 #include "tests/support/Program.h"
 
 namespace {
 
 using orbseq::ModelForm;
+using orbseq::test::bitsOf;
 using orbseq::test::contentOf;
+using orbseq::test::deepJson;
+using orbseq::test::errorOf;
 using orbseq::test::Feed;
+using orbseq::test::kForms;
+using orbseq::test::kShopModel;
 using orbseq::test::Meter;
 using orbseq::test::Outcome;
 using orbseq::test::Program;
+using orbseq::test::repeated;
 using orbseq::test::run;
+using orbseq::test::savedAs;
+using orbseq::test::scoredHistories;
 using orbseq::test::TempFolder;
+using orbseq::test::workedOut;
+using testing::EndsWith;
+using testing::HasSubstr;
 using testing::StartsWith;
 
 using Arguments = std::vector<std::string>;
 
-const char* const kModel = ORBSEQ_SOURCE_DIR "/examples/shop/lattice.xml";
 const char* const kCustomers = ORBSEQ_SOURCE_DIR "/examples/shop/customers.csv";
 const std::string kHead = "customer,time,item\n";
+const char* const kGerman = "de_DE.UTF-8";
 
 // Two customers who took the same sixty items one after the other: more sequences than anyone can
 // mine.
@@ -123,7 +140,7 @@ TEST(Interruption, WhileNobodyReadsTheAnswersEndsTheProgram) {
   ASSERT_EQ(::mkfifo(output.c_str(), 0600), 0);
   const int fifo = ::open(output.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   const int full = ::fcntl(fifo, F_GETPIPE_SZ);
-  Program program({"score", "--model", kModel, "--input", input}, {.outputPath = output});
+  Program program({"score", "--model", kShopModel, "--input", input}, {.outputPath = output});
   EXPECT_EQ(bytesOnceThereAre(fifo, full), full);
   std::this_thread::sleep_for(std::chrono::milliseconds(50));  // it is in the next write
 
@@ -145,7 +162,7 @@ TEST(Interruption, WhileNoHistoryComesEndsTheProgram) {
     const int fifo = ::open(input.c_str(), O_RDWR | O_CLOEXEC);
     const std::string rows = "customer,history\n1,(101)\n";
     ASSERT_EQ(::write(fifo, rows.data(), rows.size()), static_cast<ssize_t>(rows.size()));
-    Program program({"score", "--model", kModel, "--input", input, "--threads", "4"});
+    Program program({"score", "--model", kShopModel, "--input", input, "--threads", "4"});
     EXPECT_EQ(bytesOnceThereAre(fifo, 0), 0);
 
     program.signal(SIGINT);
@@ -167,17 +184,17 @@ struct Commands {
     };
     lists = {
         {"train", "--quiet", "--input", log, "--min-support", "0.3", "--output", out("m.xml")},
-        {"convert", "--quiet", "--model", kModel, "--output", out("m.bin")},
-        {"convert", "--quiet", "--model", kModel, "--output", out("m.pmml")},
-        {"convert", "--quiet", "--model", kModel, "--output", out("m.objxml")},
+        {"convert", "--quiet", "--model", kShopModel, "--output", out("m.bin")},
+        {"convert", "--quiet", "--model", kShopModel, "--output", out("m.pmml")},
+        {"convert", "--quiet", "--model", kShopModel, "--output", out("m.objxml")},
         {"convert", "--quiet", "--model", folder.path("m.bin"), "--output", out("again.objxml")},
-        {"inspect", "--model", kModel},
-        {"rules", "--model", kModel, "--format", "table"},
-        {"rules", "--model", kModel, "--format", "csv"},
-        {"score", "--model", kModel, "--input", kCustomers, "--format", "table"},
-        {"score", "--model", kModel, "--input", kCustomers, "--format", "csv", "--return",
+        {"inspect", "--model", kShopModel},
+        {"rules", "--model", kShopModel, "--format", "table"},
+        {"rules", "--model", kShopModel, "--format", "csv"},
+        {"score", "--model", kShopModel, "--input", kCustomers, "--format", "table"},
+        {"score", "--model", kShopModel, "--input", kCustomers, "--format", "csv", "--return",
          "future"},
-        {"score", "--model", kModel, "--input", kCustomers, "--format", "jsonl", "--module",
+        {"score", "--model", kShopModel, "--input", kCustomers, "--format", "jsonl", "--module",
          ORBSEQ_MODULE},
         {"evaluate", "--help"},
     };
@@ -208,25 +225,41 @@ std::string everythingAsEver() {
   return everything([](const Arguments& arguments) { return run(arguments); });
 }
 
+// Whether there is a locale that writes one and a half as "1,5". Where the system has none, its
+// own program makes it in a folder, which processes that are started from now on look into, too.
+bool hasGermanLocale() {
+  static const bool has = [] {
+    if (std::setlocale(LC_NUMERIC, kGerman) != nullptr) return true;
+    constexpr const char* kMaker = "/usr/bin/localedef";
+    static const TempFolder locales;
+    if (::access(kMaker, X_OK) != 0) return false;
+    run({"-i", "de_DE", "-f", "UTF-8", locales.path(kGerman)}, {.program = kMaker});
+    ::setenv("LOCPATH", locales.path().c_str(), 1);
+    return std::setlocale(LC_NUMERIC, kGerman) != nullptr;
+  }();
+  std::setlocale(LC_NUMERIC, "C");
+  return has;
+}
+
 TEST(Locale, OfTheEnvironmentChangesNoByte) {
   const std::string expected = everythingAsEver();
+  if (!hasGermanLocale()) GTEST_SKIP() << "no locale " << kGerman << " here";
   for (const char* variable : {"LC_ALL", "LC_NUMERIC", "LANG"})
     EXPECT_EQ(everything([&](const Arguments& arguments) {
-                return run(arguments, {.environment = {std::string(variable) + "=de_DE.UTF-8"}});
+                return run(arguments, {.environment = {std::string(variable) + "=" + kGerman}});
               }),
               expected)
         << variable;
 }
 
-std::string savedAs(ModelForm form) {
-  const TempFolder folder;
-  orbseq::saveModel(folder.path("m"), orbseq::readModel(kModel), form);
-  orbseq::saveModel(folder.path("n"), orbseq::readModel(folder.path("m")), form);
-  return contentOf(folder.path("n"));
-}
+TEST(Locale, WhatIsWorkedOutHasFractions) {
+  const std::string text = workedOut();
 
-constexpr ModelForm kForms[] = {ModelForm::kDocument, ModelForm::kPmml, ModelForm::kBinary,
-                                ModelForm::kObjectXml};
+  EXPECT_THAT(text, StartsWith(std::to_string(bitsOf(1.5)) + " "));
+  EXPECT_THAT(text, HasSubstr("confidence=\"0.5\""));
+  EXPECT_THAT(text, HasSubstr("avgNumberOfItemsPerTransaction=\"1.5\""));
+  EXPECT_THAT(text, EndsWith("6:" + std::to_string(bitsOf(0.5)) + " "));
+}
 
 // Figures in groups of one, with a comma where the point should stand.
 class OtherFigures final : public std::numpunct<char> {
@@ -238,10 +271,12 @@ class OtherFigures final : public std::numpunct<char> {
 TEST(Locale, OfTheStreamsChangesNoByte) {
   std::vector<std::string> expected;
   for (const ModelForm form : kForms) expected.push_back(savedAs(form));
+  expected.push_back(workedOut());
 
   const std::locale before = std::locale::global(std::locale(std::locale(), new OtherFigures));
   std::vector<std::string> found;
   for (const ModelForm form : kForms) found.push_back(savedAs(form));
+  found.push_back(workedOut());
   std::locale::global(before);
 
   EXPECT_EQ(found, expected);
@@ -250,22 +285,21 @@ TEST(Locale, OfTheStreamsChangesNoByte) {
 TEST(Locale, OfTheCLibraryChangesNoByte) {
   std::vector<std::string> expected;
   for (const ModelForm form : kForms) expected.push_back(savedAs(form));
-  if (std::setlocale(LC_NUMERIC, "de_DE.UTF-8") == nullptr)
-    GTEST_SKIP() << "no locale de_DE.UTF-8 here";
+  expected.push_back(workedOut());
+  if (!hasGermanLocale()) GTEST_SKIP() << "no locale " << kGerman << " here";
+  ASSERT_NE(std::setlocale(LC_NUMERIC, kGerman), nullptr);
   EXPECT_EQ(std::string(std::localeconv()->decimal_point), ",");
 
   std::vector<std::string> found;
   for (const ModelForm form : kForms) found.push_back(savedAs(form));
+  found.push_back(workedOut());
   std::setlocale(LC_NUMERIC, "C");
 
   EXPECT_EQ(found, expected);
 }
 
 // A sanitizer's frames are several times as large.
-std::size_t smallStack() {
-  constexpr std::size_t kKiB = 1024;
-  return Meter::slowdown() == 1 ? 256 * kKiB : 2048 * kKiB;
-}
+std::size_t smallStack() { return std::size_t{Meter::slowdown() == 1 ? 256U : 2048U} << 10U; }
 
 TEST(SmallStack, EveryCommandWorksWithinIt) {
   const std::string expected = everythingAsEver();
@@ -276,23 +310,87 @@ TEST(SmallStack, EveryCommandWorksWithinIt) {
             expected);
 }
 
+// In a thread of such a stack, to its end.
+void runWithSmallStack(const std::function<void()>& work) {
+  pthread_attr_t attributes;
+  ASSERT_EQ(::pthread_attr_init(&attributes), 0);
+  ASSERT_EQ(::pthread_attr_setstacksize(&attributes, smallStack()), 0);
+  pthread_t thread{};
+  const auto call = [](void* function) -> void* {
+    (*static_cast<const std::function<void()>*>(function))();
+    return nullptr;
+  };
+  auto* const argument = const_cast<std::function<void()>*>(&work);
+  ASSERT_EQ(::pthread_create(&thread, &attributes, call, argument), 0);
+  ::pthread_join(thread, nullptr);
+  ::pthread_attr_destroy(&attributes);
+}
+
 TEST(SmallStack, ModelsAreReadAndSavedInAThreadOfIt) {
   std::vector<std::string> expected;
   for (const ModelForm form : kForms) expected.push_back(savedAs(form));
   std::vector<std::string> found;
-  pthread_attr_t attributes;
-  ASSERT_EQ(::pthread_attr_init(&attributes), 0);
-  ASSERT_EQ(::pthread_attr_setstacksize(&attributes, smallStack()), 0);
 
-  pthread_t thread{};
-  const auto work = [](void* all) -> void* {
-    for (const ModelForm form : kForms)
-      static_cast<std::vector<std::string>*>(all)->push_back(savedAs(form));
-    return nullptr;
-  };
-  ASSERT_EQ(::pthread_create(&thread, &attributes, work, &found), 0);
-  ::pthread_join(thread, nullptr);
-  ::pthread_attr_destroy(&attributes);
+  runWithSmallStack([&found] {
+    for (const ModelForm form : kForms) found.push_back(savedAs(form));
+  });
+
+  EXPECT_EQ(found, expected);
+}
+
+// The shop's model, with so many elements inside one another in front of it.
+std::string deepDocument(int depth) {
+  std::string document = contentOf(kShopModel);
+  const std::size_t root = document.find("<SequentialAssociationLattice");
+  const std::size_t end = root == std::string::npos ? root : document.find('>', root);
+  EXPECT_NE(end, std::string::npos);
+  return document.insert(end + 1, repeated("<Deep>", depth - 1) + repeated("</Deep>", depth - 1));
+}
+
+TEST(SmallStack, TheDeepestDocumentIsReadInAThreadOfIt) {
+  const TempFolder folder;
+  const std::string deepest = folder.file("deepest.xml", deepDocument(64));
+  const std::string deeper = folder.file("deeper.xml", deepDocument(65));
+  const std::string farDeeper = folder.file("far.xml", deepDocument(100'000));
+  std::int32_t sequences = 0;
+  std::vector<std::string> refusals;
+
+  runWithSmallStack([&] {
+    sequences = orbseq::readModel(deepest).lattice->NumberOfSequences();
+    for (const std::string& path : {deeper, farDeeper})
+      refusals.push_back(errorOf<std::exception>([&path] { orbseq::readModel(path); }));
+  });
+
+  EXPECT_EQ(sequences, orbseq::readModel(kShopModel).lattice->NumberOfSequences());
+  EXPECT_THAT(refusals, testing::ElementsAre(HasSubstr("64"), HasSubstr("64")));
+}
+
+TEST(SmallStack, TheDeepestJsonIsReadInAThreadOfIt) {
+  const TempFolder folder;
+  const std::string deepest = folder.file("deepest", deepJson(64));
+  const std::string deeper = folder.file("deeper", deepJson(65));
+  const std::string farDeeper = folder.file("far", deepJson(1'000'000));
+  orbseq::LogOptions options;
+  options.format = orbseq::LogFormat::kJsonLines;
+  std::size_t rows = 0;
+  std::vector<std::string> refusals;
+
+  runWithSmallStack([&] {
+    rows = orbseq::readLog(deepest, options).rows;
+    for (const std::string& path : {deeper, farDeeper})
+      refusals.push_back(errorOf<orbseq::InputError>([&] { orbseq::readLog(path, options); }));
+  });
+
+  EXPECT_EQ(rows, 1U);
+  EXPECT_THAT(refusals, testing::ElementsAre(HasSubstr("64"), HasSubstr("64")));
+}
+
+TEST(SmallStack, HistoriesAreScoredInAThreadOfIt) {
+  const std::vector<std::uint64_t> expected = scoredHistories();
+  ASSERT_GT(expected.size(), 20U);
+  std::vector<std::uint64_t> found;
+
+  runWithSmallStack([&found] { found = scoredHistories(); });
 
   EXPECT_EQ(found, expected);
 }

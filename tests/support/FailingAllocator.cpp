@@ -19,7 +19,26 @@ thread_local long untilFailure = 0;  // 0: none is asked for, or it has happened
 thread_local bool forEver = false;
 thread_local bool failed = false;
 
+// The same of other threads than the one that is spared.
+std::atomic<long> untilFailureElsewhere{0};
+std::atomic<bool> forEverElsewhere{false};
+std::atomic<bool> failedElsewhere{false};
+thread_local bool isSpared = false;
+
+bool mustFailElsewhere() noexcept {
+  if (isSpared) return false;
+  long until = untilFailureElsewhere.load(std::memory_order_relaxed);
+  long then = 0;
+  do {
+    if (until == 0) return false;
+    then = until == 1 && forEverElsewhere.load(std::memory_order_relaxed) ? 1 : until - 1;
+  } while (!untilFailureElsewhere.compare_exchange_weak(until, then, std::memory_order_relaxed));
+  if (until == 1) failedElsewhere.store(true, std::memory_order_relaxed);
+  return until == 1;
+}
+
 bool mustFail() noexcept {
+  if (mustFailElsewhere()) return true;
   if (untilFailure == 0 || --untilFailure > 0) return false;
   if (forEver) untilFailure = 1;
   failed = true;
@@ -79,15 +98,32 @@ void resetPeaks() noexcept {
   largest.store(0, std::memory_order_relaxed);
 }
 
-FailAllocation::FailAllocation(long n, Failing failing) noexcept {
+FailAllocation::FailAllocation(long n, Failing failing, FailingIn threads) noexcept
+    : threads_(threads) {
+  if (threads == FailingIn::kOtherThreads) {
+    isSpared = true;
+    failedElsewhere = false;
+    forEverElsewhere = failing == Failing::kForEver;
+    untilFailureElsewhere = n;
+    return;
+  }
   failed = false;
   forEver = failing == Failing::kForEver;
   untilFailure = n;
 }
 
-FailAllocation::~FailAllocation() { untilFailure = 0; }
+FailAllocation::~FailAllocation() {
+  if (threads_ == FailingIn::kThisThread) {
+    untilFailure = 0;
+    return;
+  }
+  untilFailureElsewhere = 0;
+  isSpared = false;
+}
 
-bool FailAllocation::hasFailed() const noexcept { return failed; }
+bool FailAllocation::hasFailed() const noexcept {
+  return threads_ == FailingIn::kThisThread ? failed : failedElsewhere.load();
+}
 
 }  // namespace orbseq::test
 
