@@ -51,9 +51,33 @@ SequenceDatabase customers(int count) {
   return database;
 }
 
+// What every miner's lattice must be: linked, and the same each time that it is mined.
+template <class Miner>
+class MinedLattice {
+ public:
+  void check(End end) {
+    if (end != End::kDone) {
+      EXPECT_EQ(static_cast<Miner*>(this)->run(), End::kDone);
+    }
+    static const std::map<std::string, std::string> expected = contentsOf(*lattice_);
+    ASSERT_GT(expected.size(), 10U);
+    EXPECT_TRUE(contentsOf(*lattice_) == expected);
+  }
+
+ protected:
+  End keep(std::unique_ptr<orbseq::Lattice> lattice) {
+    const bool isBuilt = lattice->buildLattice().IsOK();
+    lattice_ = std::move(lattice);
+    return isBuilt ? End::kDone : End::kReported;
+  }
+
+ private:
+  std::unique_ptr<orbseq::Lattice> lattice_;
+};
+
 // From the log to the linked lattice.
 template <int kThreads, bool kHasTimeBounds>
-class Mine {
+class Mine : public MinedLattice<Mine<kThreads, kHasTimeBounds>> {
  public:
   Mine() {
     options_.minCustomers = 5;
@@ -64,17 +88,7 @@ class Mine {
     const orbseq::PatternTree tree = orbseq::mineExactly(database_, options_);
     auto lattice = std::make_unique<orbseq::Lattice>(orbseq::settingsFor(tree));
     fillDictionary(tree, static_cast<std::int32_t>(database_.customers()), options_, *lattice);
-    const bool isBuilt = lattice->buildLattice().IsOK();
-    lattice_ = std::move(lattice);
-    return isBuilt ? End::kDone : End::kReported;
-  }
-  void check(End end) {
-    if (end != End::kDone) {
-      EXPECT_EQ(run(), End::kDone);
-    }
-    static const std::map<std::string, std::string> expected = contentsOf(*lattice_);
-    ASSERT_GT(expected.size(), 10U);
-    EXPECT_TRUE(contentsOf(*lattice_) == expected);
+    return this->keep(std::move(lattice));
   }
 
  protected:
@@ -82,7 +96,6 @@ class Mine {
 
  private:
   SequenceDatabase database_ = customers(12);
-  std::unique_ptr<orbseq::Lattice> lattice_;
 };
 
 constexpr auto kMiningEnds = {End::kBadAlloc, End::kDictionaryFailure, End::kReported};
@@ -122,7 +135,7 @@ TEST(OutOfMemory, MiningInAThreadThatTheCallerWaitsFor) {
 
 // With the lattice as the working store, and with or without a second pass.
 template <bool kOnePass>
-class MineByCarma {
+class MineByCarma : public MinedLattice<MineByCarma<kOnePass>> {
  public:
   End run() {
     MinerOptions options;
@@ -135,17 +148,7 @@ class MineByCarma {
       for (const Sets& customer : sets_) miner.add(customer);
       finish(miner);
     }
-    const bool isBuilt = lattice->buildLattice().IsOK();
-    lattice_ = std::move(lattice);
-    return isBuilt ? End::kDone : End::kReported;
-  }
-  void check(End end) {
-    if (end != End::kDone) {
-      EXPECT_EQ(run(), End::kDone);
-    }
-    static const std::map<std::string, std::string> expected = contentsOf(*lattice_);
-    ASSERT_GT(expected.size(), 10U);
-    EXPECT_TRUE(contentsOf(*lattice_) == expected);
+    return this->keep(std::move(lattice));
   }
 
  private:
@@ -168,7 +171,6 @@ class MineByCarma {
 
   const SequenceDatabase database_ = customers(6);
   const std::vector<Sets> sets_ = setsOf(database_);
-  std::unique_ptr<orbseq::Lattice> lattice_;
 };
 
 TEST(OutOfMemory, MiningByCarma) { failEveryAllocationOf<MineByCarma<false>>(kMiningEnds); }
