@@ -43,8 +43,9 @@ if(ORBSEQ_SWITCHABLE_GUARDS)
   add_compile_definitions(ORBSEQ_SWITCHABLE_GUARDS)
 endif()
 
-option(ORBSEQ_COVERAGE "Instrument for line coverage" OFF)
+# Clang's: counted are the conditions of the source, not the jumps that a compiler makes of them.
+option(ORBSEQ_COVERAGE "Instrument for coverage of lines and branches" OFF)
 if(ORBSEQ_COVERAGE)
-  add_compile_options(--coverage)
-  add_link_options(--coverage)
+  add_compile_options(-fprofile-instr-generate -fcoverage-mapping -fprofile-update=atomic)
+  add_link_options(-fprofile-instr-generate)
 endif()
