@@ -16,6 +16,17 @@ TEST(QuErrorFormater, LeavesOutAnEmptyPartWithItsColon) {
   EXPECT_EQ(QuErrorFormater::Format("", "", ""), "");
 }
 
+// Line and paragraph separators and the marks of direction are escaped, their neighbours are not.
+TEST(QuErrorFormater, EscapesWhatTurnsLinesAndDirections) {
+  for (const char* kept :
+       {"\xE2\x80\xA7", "\xE2\x80\xAF", "\xE2\x81\xA5", "\xE2\x81\xAA", "\xF0\x9F\x98\x80"})
+    EXPECT_EQ(QuErrorFormater::Quote(kept), '"' + std::string(kept) + '"');
+  EXPECT_EQ(QuErrorFormater::Quote("\xE2\x80\xA8"), "\"\\xE2\\x80\\xA8\"");
+  EXPECT_EQ(QuErrorFormater::Quote("\xE2\x80\xAE"), "\"\\xE2\\x80\\xAE\"");
+  EXPECT_EQ(QuErrorFormater::Quote("\xE2\x81\xA6"), "\"\\xE2\\x81\\xA6\"");
+  EXPECT_EQ(QuErrorFormater::Quote("\xE2\x81\xA9"), "\"\\xE2\\x81\\xA9\"");
+}
+
 TEST(QuErrorFormater, QuotesText) {
   EXPECT_EQ(QuErrorFormater::Quote("abc"), "\"abc\"");
   EXPECT_EQ(QuErrorFormater::Quote(""), "\"\"");

@@ -98,6 +98,17 @@ TEST(LogTime, OtherTextsAreNoTimes) {
     EXPECT_FALSE(logTimeOf(text)) << text;
 }
 
+TEST(LogTime, PartsOfATimeMustBeThere) {
+  for (const char* text :
+       {"2011-01", "2011-01x18", "2011-01-", "2011-01-x", "2011-01-18 10:", "2011-01-18 10:x"})
+    EXPECT_FALSE(logTimeOf(text)) << text;
+}
+
+// So short that the number of periods is no finite number.
+TEST(LogTime, APeriodTooShortForTheClockBeginsWithTheTime) {
+  EXPECT_EQ(beginOf("1e-300", "1e300"), 1e300);
+}
+
 TEST(LogTime, AZeroByteEndsNoTime) { EXPECT_FALSE(logTimeOf(std::string_view("1\0", 2))); }
 
 TEST(LogTime, MinutesHoursAndDaysBeginAtTheirOwn) {
