@@ -2,8 +2,10 @@
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <link.h>
 #include <sys/stat.h>
 
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -176,7 +178,8 @@ TEST(PluginLoader, TellsThatTheFileIsMissing) {
 
 TEST(PluginLoader, TellsThatTheFileIsNoLibrary) {
   const TempFolder folder;
-  const std::string path = folder.file("text.so", "this is no library, but long enough for one");
+  const std::string path =
+      folder.file("text.so", "this is no library, but long enough for the head of one: 64 bytes");
 
   EXPECT_TRUE(failure(path).starts_with(path + ": cannot load the plug-in: ")) << failure(path);
 }
@@ -191,6 +194,27 @@ TEST(PluginLoader, TellsThatTheFileIsCutShort) {
     const std::string path = folder.file("cut.so", whole.substr(0, size));
     EXPECT_EQ(failure(path), path + ": cannot load the plug-in: the file is cut short") << size;
   }
+}
+
+// Where a part of the file begins behind its end, whatever its size.
+TEST(PluginLoader, TellsThatAPartOfTheFileIsBehindItsEnd) {
+  const TempFolder folder;
+  std::ifstream file(plugin("goodPlugin"), std::ios::binary);
+  std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  ElfW(Ehdr) header;
+  std::memcpy(&header, bytes.data(), sizeof header);
+  ElfW(Phdr) segment;
+  std::memcpy(&segment, bytes.data() + header.e_phoff, sizeof segment);
+  segment.p_offset = bytes.size() + 1;
+  segment.p_filesz = 0;
+  std::memcpy(bytes.data() + header.e_phoff, &segment, sizeof segment);
+
+  const std::string path = folder.file("far.so", bytes);
+  EXPECT_EQ(failure(path), path + ": cannot load the plug-in: the file is cut short");
+}
+
+TEST(PluginLoader, TellsThatANameHoldsANul) {
+  EXPECT_EQ(failure(std::string("a\0b", 3)), "a\\x00b: cannot load the plug-in: not a path");
 }
 
 TEST(PluginLoader, TellsThatTheFileIsNone) {

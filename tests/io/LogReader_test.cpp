@@ -202,7 +202,7 @@ TEST(LogReader, TheFirstDescriptionStands) {
 
 TEST(LogReader, SpmfNamesItemsAndTellsTimes) {
   const TransactionLog log = read(
-      "@CONVERTED_FROM_TEXT\n@ITEM=7=green tea\r\n@ITEM=7=other\n@ITEM=x=y\n@ITEM=8=\n"
+      "@CONVERTED_FROM_TEXT\n@ITEM=7=green tea\r\n@ITEM=7=other\n@ITEM=x=y\n@ITEM=8=\n@ITEM=8\n"
       "<5> 7 -1 <9.5> 8 7 -1 -2\n<1970-01-02> 7 -1 -2\n",
       formatted(LogFormat::kSpmf));
   EXPECT_THAT(log.labels, ElementsAre(Pair(7, "green tea")));
@@ -370,6 +370,8 @@ TEST(LogReader, ErrorsOfSpmfLinesNameTheirPlace) {
   EXPECT_THAT(errorIn("#\n1 2 -2\n", spmf), StartsWith("log:2:5: -2 stands where -1"));
   EXPECT_THAT(errorIn("1 -3 -1 -2\n", spmf), StartsWith("log:1:3: "));
   EXPECT_THAT(errorIn("1 tea -1 -2\n", spmf), StartsWith("log:1:3: "));
+  EXPECT_THAT(errorIn("1 5x -1 -2\n", spmf), StartsWith("log:1:3: \"5x\""));
+  EXPECT_THAT(errorIn("<50 1 -1 -2\n", spmf), StartsWith("log:1:1: \"<50\" is no time"));
   EXPECT_THAT(errorIn("2147483648 -1 -2\n", spmf), StartsWith("log:1:1: "));
   for (const char* line : {"<> 1 -1 -2", "<5 1 -1 -2", "<x> 1 -1 -2"})
     EXPECT_THAT(errorIn(line, spmf), AllOf(StartsWith("log:1:1: "), HasSubstr("no time"))) << line;
