@@ -206,7 +206,7 @@ TEST(LogReader, SpmfNamesItemsAndTellsTimes) {
       "<5> 7 -1 <9.5> 8 7 -1 -2\n<1970-01-02> 7 -1 -2\n",
       formatted(LogFormat::kSpmf));
   EXPECT_THAT(log.labels, ElementsAre(Pair(7, "green tea")));
-  EXPECT_THAT(linesOf(log), ElementsAre("6 5:(7) 9.5:(7 8)", "7 86400:(7)"));
+  EXPECT_THAT(linesOf(log), ElementsAre("7 5:(7) 9.5:(7 8)", "8 86400:(7)"));
 }
 
 TEST(LogReader, KnownItemsAreFoundByLabelFirstWordAndNumber) {
