@@ -2,31 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
-#include <initializer_list>
 #include <string>
+
+#include "tests/support/locales.h"
 
 namespace {
 
 using orbseq::platform::narrowToUtf16;
-
-// Sets the C locale to the first of the names that is installed, and restores what was set.
-class ScopedCLocale {
- public:
-  ScopedCLocale(std::initializer_list<const char*> names) {
-    for (const char* const name : names)
-      if (!installed_) installed_ = std::setlocale(LC_ALL, name) != nullptr;
-  }
-  ~ScopedCLocale() { std::setlocale(LC_ALL, previous_.c_str()); }
-  ScopedCLocale(const ScopedCLocale&) = delete;
-  ScopedCLocale& operator=(const ScopedCLocale&) = delete;
-
-  bool isInstalled() const { return installed_; }
-
- private:
-  std::string previous_ = std::setlocale(LC_ALL, nullptr);
-  bool installed_ = false;
-};
+using orbseq::test::ScopedCLocale;
 
 TEST(CodePage, AsciiIsItself) {
   const ScopedCLocale classic({"C"});

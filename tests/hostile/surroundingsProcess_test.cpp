@@ -29,6 +29,7 @@
 #include "tests/hostile/Meter.h"
 #include "tests/hostile/ownWork.h"
 #include "tests/support/Program.h"
+#include "tests/support/locales.h"
 
 namespace {
 
@@ -46,6 +47,7 @@ using orbseq::test::Program;
 using orbseq::test::repeated;
 using orbseq::test::run;
 using orbseq::test::savedAs;
+using orbseq::test::ScopedCLocale;
 using orbseq::test::scoredHistories;
 using orbseq::test::TempFolder;
 using orbseq::test::workedOut;
@@ -225,25 +227,10 @@ std::string everythingAsEver() {
   return everything([](const Arguments& arguments) { return run(arguments); });
 }
 
-// Whether there is a locale that writes one and a half as "1,5". Where the system has none, its
-// own program makes it in a folder, which processes that are started from now on look into, too.
-bool hasGermanLocale() {
-  static const bool has = [] {
-    if (std::setlocale(LC_NUMERIC, kGerman) != nullptr) return true;
-    constexpr const char* kMaker = "/usr/bin/localedef";
-    static const TempFolder locales;
-    if (::access(kMaker, X_OK) != 0) return false;
-    run({"-i", "de_DE", "-f", "UTF-8", locales.path(kGerman)}, {.program = kMaker});
-    ::setenv("LOCPATH", locales.path().c_str(), 1);
-    return std::setlocale(LC_NUMERIC, kGerman) != nullptr;
-  }();
-  std::setlocale(LC_NUMERIC, "C");
-  return has;
-}
-
 TEST(Locale, OfTheEnvironmentChangesNoByte) {
+  if (!ScopedCLocale({kGerman}).isInstalled())
+    GTEST_SKIP() << "NOT TESTED: " << kGerman << " is not installed";
   const std::string expected = everythingAsEver();
-  if (!hasGermanLocale()) GTEST_SKIP() << "no locale " << kGerman << " here";
   for (const char* variable : {"LC_ALL", "LC_NUMERIC", "LANG"})
     EXPECT_EQ(everything([&](const Arguments& arguments) {
                 return run(arguments, {.environment = {std::string(variable) + "=" + kGerman}});
@@ -286,14 +273,13 @@ TEST(Locale, OfTheCLibraryChangesNoByte) {
   std::vector<std::string> expected;
   for (const ModelForm form : kForms) expected.push_back(savedAs(form));
   expected.push_back(workedOut());
-  if (!hasGermanLocale()) GTEST_SKIP() << "no locale " << kGerman << " here";
-  ASSERT_NE(std::setlocale(LC_NUMERIC, kGerman), nullptr);
+  const ScopedCLocale german({kGerman});
+  if (!german.isInstalled()) GTEST_SKIP() << "NOT TESTED: " << kGerman << " is not installed";
   EXPECT_EQ(std::string(std::localeconv()->decimal_point), ",");
 
   std::vector<std::string> found;
   for (const ModelForm form : kForms) found.push_back(savedAs(form));
   found.push_back(workedOut());
-  std::setlocale(LC_NUMERIC, "C");
 
   EXPECT_EQ(found, expected);
 }

@@ -11,7 +11,7 @@
 #include <sstream>
 #include <string>
 
-#include "tests/xml/locales.h"
+#include "tests/support/locales.h"
 
 namespace {
 

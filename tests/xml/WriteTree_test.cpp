@@ -6,7 +6,7 @@
 #include <sstream>
 #include <string>
 
-#include "tests/xml/locales.h"
+#include "tests/support/locales.h"
 #include "xml/XMLDocType.h"
 #include "xml/XMLElement.h"
 #include "xml/XMLString.h"

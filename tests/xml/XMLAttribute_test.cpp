@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "tests/xml/locales.h"
+#include "tests/support/locales.h"
 #include "tests/xml/nodeText.h"
 
 namespace {

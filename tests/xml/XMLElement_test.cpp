@@ -8,7 +8,7 @@
 #include <string>
 #include <utility>
 
-#include "tests/xml/locales.h"
+#include "tests/support/locales.h"
 #include "tests/xml/nodeText.h"
 #include "xml/XMLAttribute.h"
 #include "xml/XMLString.h"

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <type_traits>
 
-#include "tests/xml/locales.h"
+#include "tests/support/locales.h"
 
 namespace {
 

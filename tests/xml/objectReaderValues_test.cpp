@@ -5,7 +5,7 @@
 #include <string>
 
 #include "common/OrbMV.h"
-#include "tests/xml/locales.h"
+#include "tests/support/locales.h"
 #include "xml/XMLObj.h"
 
 namespace {

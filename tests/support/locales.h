@@ -1,7 +1,7 @@
 // Locales for one test: each guard restores what was set before it.
 
-#ifndef TESTS_XML_LOCALES_H_
-#define TESTS_XML_LOCALES_H_
+#ifndef TESTS_SUPPORT_LOCALES_H_
+#define TESTS_SUPPORT_LOCALES_H_
 
 #include <clocale>
 #include <initializer_list>
@@ -62,4 +62,4 @@ inline std::locale groupingLocale() {
 
 }  // namespace orbseq::test
 
-#endif  // TESTS_XML_LOCALES_H_
+#endif  // TESTS_SUPPORT_LOCALES_H_
