@@ -4,7 +4,6 @@
 #include <cstring>
 #include <filesystem>
 #include <limits>
-#include <new>
 #include <ostream>
 #include <span>
 #include <sstream>

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <limits>
 #include <random>
 #include <set>
@@ -18,6 +17,7 @@
 #include "tests/hostile/rowNames.h"
 #include "tests/support/Program.h"
 #include "tests/support/TempFolder.h"
+#include "tests/support/longRun.h"
 
 namespace {
 
@@ -57,8 +57,7 @@ TEST(BinaryFiles, B24EveryBeginningIsRefusedWithOneMessage) {
 // The bits of a byte to turn round: all of them, or one that is drawn where the program is slow
 // and ORBSEQ_LONG_RUN is not set.
 std::vector<int> bitsOfAByte(std::mt19937& random) {
-  if (Meter::slowdown() > 1 && std::getenv("ORBSEQ_LONG_RUN") == nullptr)
-    return {static_cast<int>(random() % 8)};
+  if (Meter::slowdown() > 1 && !isLongRun()) return {static_cast<int>(random() % 8)};
   return {0, 1, 2, 3, 4, 5, 6, 7};
 }
 

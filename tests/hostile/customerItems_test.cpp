@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <ostream>
 #include <string>
 #include <utility>
@@ -14,6 +13,7 @@
 #include "io/LogReader.h"
 #include "tests/hostile/logs.h"
 #include "tests/hostile/rowNames.h"
+#include "tests/support/longRun.h"
 
 namespace {
 
@@ -68,7 +68,7 @@ TEST(HostileItems, V10TheNumberOfTextsHasALimit) {
 
 // The limit that the program has, which no option moves.
 TEST(HostileItems, V10FourMillionTextsAreTheMostOfAModel) {
-  if (std::getenv("ORBSEQ_LONG_RUN") == nullptr) GTEST_SKIP() << "for long runs: it takes a minute";
+  if (!orbseq::test::isLongRun()) GTEST_SKIP() << "for long runs: it takes a minute";
   constexpr std::size_t kTexts = 4'000'000;
   std::string rows = kHead;
   for (std::size_t i = 0; i <= kTexts; ++i) rows += "a,1,x" + std::to_string(i) + "\n";

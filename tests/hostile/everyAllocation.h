@@ -22,7 +22,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <initializer_list>
 #include <iostream>
 #include <new>
@@ -32,6 +31,7 @@
 #include "scoring/hostapi/QuException.h"
 #include "sequence/SeqExceptions.h"
 #include "tests/support/FailingAllocator.h"
+#include "tests/support/longRun.h"
 
 namespace orbseq::test {
 
@@ -111,9 +111,7 @@ inline constexpr long kMostAllocations = 100'000;  // of an operation
 
 // Of a save to a file, which takes so long that from there on only every seventh fails; each does
 // when ORBSEQ_LONG_RUN is set.
-inline long eachOfASave() {
-  return std::getenv("ORBSEQ_LONG_RUN") != nullptr ? kMostAllocations : 200;
-}
+inline long eachOfASave() { return isLongRun() ? kMostAllocations : 200; }
 
 // What the object that an operation fills holds before.
 enum class Former { kNone, kOther };

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <memory>
 #include <random>
 #include <string>
@@ -22,6 +21,7 @@
 #include "tests/hostile/MemoryFile.h"
 #include "tests/support/World.h"
 #include "tests/support/binaryImage.h"
+#include "tests/support/longRun.h"
 
 namespace orbseq::test {
 
@@ -94,7 +94,7 @@ inline const std::vector<History>& cases() {
           "(1 2)", "(3 4)",  "(1)(2)(3)", "(1 2)(3)",   "(4)(3)(2)(1)", "(1 2 3 4)",    "(1)(1)(1)",
           "(9)",   "(9)(1)", "(1)(9)",    "(1 9)(2 9)", "(2)()(3)",     "(5)(1 3)(2 4)"})
       histories.push_back(history(text));
-    if (std::getenv("ORBSEQ_LONG_RUN") != nullptr) addHistoriesByChance(histories, 1000);
+    if (isLongRun()) addHistoriesByChance(histories, 1000);
     return histories;
   }();
   return all;
