@@ -42,7 +42,7 @@ void DomPlace::refuse(const std::string& detail) const { refuse(nullptr, detail)
 void DomPlace::refuse(const char16_t* attribute, const std::string& detail) const {
   std::string where = path();
   if (attribute != nullptr) where += "/@" + asciiOf(attribute);
-  const std::string position = element_ != nullptr ? BaseTranslator::GetPosition(element_) : "";
+  const std::string position = BaseTranslator::GetPosition(element_);
   if (!position.empty()) where += " (" + position + ")";
   throw QuException(QuErrorFormater::Format("lattice refused", where, detail));
 }

@@ -179,7 +179,7 @@ bool RecordHandler::real(const std::string& digits) {
     return fail("item " + digits.substr(0, 64) + " is not an integer of 32 bits");
   if (isInSetOf(kBaskets) && guarded("json.real in basket"))
     return fail("item " + digits.substr(0, 64) + " is no integer");
-  if (member_ != kCustomer || depth_ != kInObject) return value("a number");
+  if (member_ != kCustomer) return value("a number");
   out_.customer = digits;
   return true;
 }
@@ -191,7 +191,7 @@ bool RecordHandler::start_object(std::size_t) {
 
 bool RecordHandler::start_array(std::size_t) {
   const bool isList = member_ == kHistory || member_ == kBaskets || member_ == kTimes;
-  if (!isList || depth_ == 0) return value("an array") && begin();
+  if (!isList) return value("an array") && begin();
   if ((depth_ >= kInSet || (depth_ == kInList && member_ == kTimes)) &&
       guarded("json.deeper array"))
     return wrongKind("a deeper array");

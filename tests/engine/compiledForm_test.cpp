@@ -250,6 +250,34 @@ TEST(CompiledForm, WrongPartsAreRefusedWhereTheyStand) {
   EXPECT_THAT(refusal(offsetof(Header, hasStrangers), 0), HasSubstr("number of items"));
 }
 
+TEST(CompiledForm, LevelsThatLeaveTheLastNodeOutAreRefused) {
+  const Bytes bytes = bytesOf(small());
+  const Header header = headerOf(bytes);
+  Bytes wrong = bytes;
+  for (std::size_t size = 0; size <= Header::kLevels; ++size)
+    if (header.levels[size] == header.nodes)
+      wrong = changed(std::move(wrong), offsetof(Header, levels) + size * sizeof header.levels[0],
+                      header.nodes - 1);
+
+  EXPECT_THAT(refusalOf(sealed(wrong)), HasSubstr("levels do not hold all"));
+}
+
+// An entry behind the last item tells of none.
+TEST(CompiledForm, ALookUpThatGoesOnBehindItsItemsDoesNoHarm) {
+  const Bytes bytes = bytesOf(small());
+  const Header header = headerOf(bytes);
+  const auto longer = [&](std::uint32_t entry) {
+    Bytes made = bytes;
+    made.resize(made.size() + sizeof entry);
+    made = changed(std::move(made), bytes.size(), entry);
+    made = changed(std::move(made), offsetof(Header, bytes), header.bytes + sizeof entry);
+    return sealed(changed(std::move(made), offsetof(Header, lookup), header.lookup + 1));
+  };
+
+  EXPECT_EQ(askAll(latticeOf(longer(kNone)), kHistories), askAll(small(), kHistories));
+  EXPECT_THAT(refusalOf(longer(0)), HasSubstr("look-up of items does not fit"));
+}
+
 // Without its last entry the look-up is one of fewer items.
 TEST(CompiledForm, ALookUpThatEndsTooEarlyIsRefused) {
   Bytes bytes = bytesOf(small());

@@ -175,6 +175,13 @@ TEST(JsonHistoryReader, AHistoryOfAnotherShapeIsRefused) {
   EXPECT_EQ(historyError("[[{}]]"), text + "an object");
 }
 
+TEST(JsonHistoryReader, BasketsAndTimesThatAreNoArraysAreRefused) {
+  EXPECT_EQ(inputError("{\"customer\": 1, \"baskets\": \"1\"}"),
+            "f.jsonl:1: the baskets are an array of arrays of items, not text");
+  EXPECT_EQ(inputError("{\"customer\": 1, \"times\": \"2020-01-01\"}"),
+            "f.jsonl:1: the times are an array of numbers or texts, not text");
+}
+
 TEST(JsonHistoryReader, AnItemThatIsNoInteger32IsRefused) {
   EXPECT_EQ(historyError("[[2147483648]]"),
             "f.jsonl:1: item 2147483648 outside -2147483648..2147483647");

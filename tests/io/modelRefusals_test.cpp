@@ -144,6 +144,23 @@ TEST(ModelRefusals, ADocumentHasAsManyLevelsAsAnyOtherForm) {
             "(line 1, column 68): 64 is outside -1..63");
 }
 
+// A document may say that it has no levels at all; what is made of it can be stored and scored
+// with.
+TEST(ModelRefusals, ADocumentWithoutLevelsIsAnEmptyModel) {
+  const TempFolder folder;
+  const std::string path = folder.file(
+      "model",
+      "<SequentialAssociationLattice version=\"1.0\"><SeqAssociationLattice>"
+      "<SeqInputStats numberOfTransactions=\"1\" minimumSupport=\"1\" maxSequenceSize=\"-1\" "
+      "numberOfItems=\"0\" numberOfSets=\"0\" numberOfSequences=\"0\"/>"
+      "</SeqAssociationLattice></SequentialAssociationLattice>");
+
+  const orbseq::Model model = readModel(path);
+
+  EXPECT_EQ(model.lattice->getNumLevels(), 1);
+  EXPECT_EQ(model.lattice->NumberOfSequences(), 0);
+}
+
 TEST(ModelRefusals, ABadCountInABinaryIsToldWithItsRange) {
   std::string bytes = bytesOf(smallModel(), ModelForm::kBinary);
   const std::size_t entry = bytes.find(std::string("NT:\0", 4), bytes.find("HT", 60));

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "lattice/SequenceDictionary.h"
+#include "sequence/HashtableSQPair.h"
 #include "sequence/SeqExceptions.h"
 #include "tests/support/FailingAllocator.h"
 #include "tests/support/TempFolder.h"
@@ -50,6 +51,18 @@ TEST(DictionaryXml, OneExactText) {
   lattice.setMinGap(0.25);
   lattice.setMaxGap(30.0);
   EXPECT_EQ(xmlOf(lattice) + "\n", fileText(ORBSEQ_SOURCE_DIR "/tests/golden/shop.objxml"));
+}
+
+TEST(DictionaryXml, ALevelWithoutATableIsWrittenAsAnEmptyOne) {
+  constexpr int kLevels = 2;
+  auto** const tables = new SEQUENCE_NAMESPACE_800::HashtableSQPair* [kLevels] {};
+  const SequenceDictionary lattice(tables, kLevels);  // owns them
+
+  SequenceDictionary read;
+  std::istringstream stream(xmlOf(lattice));
+  EXPECT_GT(read.readObjectXML(stream), 0U);
+  EXPECT_EQ(read.NumberOfSequences(), 1);  // that of no items, which a lattice begins with
+  EXPECT_EQ(xmlOf(lattice).find("\"NTSequence\""), std::string::npos);
 }
 
 TEST(DictionaryXml, TheLargestSizeTellsHowManyTablesFollow) {

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -313,10 +314,28 @@ TEST(HashtableSQPair, ATableOfCapacityZeroFindsNothing) {
 
   EXPECT_EQ(table.get(&probe), nullptr);
   EXPECT_FALSE(table.containsKey(&probe));
+  EXPECT_EQ(table.chainLength(&probe, 7), 0);
   table.remove(&probe);
   table.clear();
   EXPECT_EQ(table.getSize(), 0);
   EXPECT_TRUE(table.begin() == table.end());
+}
+
+TEST(HashtableSQPair, AChainIsCountedUpToEnough) {
+  HashtableSQPair table(2);  // three entries in two buckets
+  putItems(table, {1, 2, 3});
+  const std::int32_t capacity = table.getCapacity();
+  std::int32_t all = 0, longest = 0;
+  for (std::int32_t item = 1; item <= capacity; ++item) {
+    const NTSequence probe = packed({{item}});
+    const std::int32_t length = table.chainLength(&probe, 7);
+    EXPECT_EQ(table.chainLength(&probe, 1), std::min(length, 1)) << item;
+    EXPECT_EQ(table.chainLength(&probe, 0), 0) << item;
+    all += length;
+    longest = std::max(longest, length);
+  }
+  EXPECT_EQ(all, 3);  // each bucket is asked for once
+  EXPECT_GE(longest, 1);
 }
 
 TEST(HashtableSQPair, ATableOfCapacityZeroPrintsNoBuckets) {

@@ -80,6 +80,7 @@ TEST(NTSequenceXml, WhatIsNoSequenceGivesZeroAndItsMessageAndChangesNothing) {
       object("SequenceCounter", {"L1", "1", "7", "1"}),
       object("NTSequence", {"1", "1", "7", "1"}),            // the pattern is no Long
       object("NTSequence", {"L4294967296", "1", "7", "1"}),  // beyond 32 bits
+      object("NTSequence", {"L-4294967295", "1", "7", "1"}),
       object("NTSequence", {"L1", "33", "7", "1"}),
       object("NTSequence", {"L1", "-1", "1"}),
       object("NTSequence", {"L5", "0", "0"}),
