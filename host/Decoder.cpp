@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <numeric>
 #include <xercesc/util/XMLException.hpp>
 
 #include "host/documentError.h"
@@ -9,10 +10,19 @@
 
 namespace OrbScore {
 
+namespace {
+
+// What converters put in the place of a byte that is not of the encoding: some the control
+// character SUB, which no document may hold.
+bool isReplacement(char16_t unit) noexcept { return unit == 0xFFFD || unit == 0x1A; }
+
+}  // namespace
+
 Decoder::Decoder(std::string_view encoding)
     : session_(XercesSession::acquire()), transcoder_(makeTranscoder(encoding)) {}
 
-bool Decoder::decodeBlock(std::string_view bytes, std::u16string& units, std::size_t& eaten) {
+Decoder::Block Decoder::decodeBlock(std::string_view bytes, std::u16string& units,
+                                    std::size_t& eaten) {
   std::array<unsigned char, kTranscodingBlock> sizes;
   units.resize(kTranscodingBlock);
   XMLSize_t taken = 0;
@@ -21,10 +31,18 @@ bool Decoder::decodeBlock(std::string_view bytes, std::u16string& units, std::si
         reinterpret_cast<const XMLByte*>(bytes.data()), std::min(bytes.size(), kTranscodingBlock),
         units.data(), kTranscodingBlock, taken, sizes.data());
     units.resize(made);
-    eaten = taken;
-    return true;
+    const auto wrong = std::ranges::find_if(units, isReplacement);
+    if (wrong == units.end()) {
+      eaten = taken;
+      return taken > 0 ? Block::kGood : Block::kStopped;
+    }
+    eaten = std::accumulate(sizes.begin(), sizes.begin() + (wrong - units.begin()), std::size_t{0});
+    units.erase(wrong, units.end());
+    return Block::kStopped;
   } catch (const xercesc::XMLException&) {
-    return false;
+    units.clear();
+    eaten = 0;
+    return Block::kRefused;
   } catch (...) {
     rethrowParserError("the conversion fails");
   }
@@ -36,10 +54,17 @@ bool Decoder::containsAscii() {
   for (char byte = ' '; byte <= '~'; ++byte) probe += byte;
   std::u16string units;
   std::size_t eaten = 0;
-  return decodeBlock(probe, units, eaten) && eaten == probe.size() &&
+  return decodeBlock(probe, units, eaten) == Block::kGood && eaten == probe.size() &&
          std::ranges::equal(units, probe, [](char16_t unit, char byte) {
            return unit == static_cast<unsigned char>(byte);
          });
+}
+
+bool Decoder::endsWhole() {
+  // A converter keeps the beginning of a character for itself until it sees what follows.
+  std::u16string units;
+  std::size_t eaten = 0;
+  return decodeBlock("\n", units, eaten) == Block::kGood && units == u"\n";
 }
 
 std::size_t Decoder::append(std::string_view bytes, std::string& out) {
@@ -49,22 +74,18 @@ std::size_t Decoder::append(std::string_view bytes, std::string& out) {
   std::size_t block = kTranscodingBlock;
   while (at < bytes.size()) {
     std::size_t eaten = 0;
-    const bool decoded = decodeBlock(bytes.substr(at, block), units, eaten);
-    if (!decoded && block == 1) break;
-    if (!decoded) {
-      block = 1;  // byte by byte up to the one that is wrong
-      continue;
-    }
-    if (eaten == 0 && units.empty()) break;  // a character that the text's end cuts
+    const Block outcome = decodeBlock(bytes.substr(at, block), units, eaten);
     pending += units;
     const bool halved = !pending.empty() && isHighSurrogate(pending.back());
     const std::size_t whole = pending.size() - (halved ? 1 : 0);
     out += toUtf8(std::u16string_view(pending).substr(0, whole));
     pending.erase(0, whole);
     at += eaten;
+    if (outcome == Block::kStopped || (outcome == Block::kRefused && block == 1)) return at;
+    if (outcome == Block::kRefused) block = 1;  // byte by byte up to the one that is wrong
   }
   out += toUtf8(pending);
-  return at;
+  return endsWhole() ? at : at - 1;
 }
 
 }  // namespace OrbScore

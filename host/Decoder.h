@@ -24,14 +24,23 @@ class Decoder {
   // set of characters. Leaves the converter in any state: for text, make another one.
   bool containsAscii();
 
-  // Appends `bytes` to `out` as UTF-8. Returns the offset of the first byte that is not of the
-  // encoding, up to which everything has been appended; bytes.size() when there is none.
+  // Appends `bytes`, the whole text, to `out` as UTF-8. Returns the offset of the first byte that
+  // is not of the encoding, up to which everything has been appended, or of the last byte when the
+  // text ends within a character; bytes.size() when all is well. U+FFFD, which converters put in
+  // the place of a wrong byte, counts as one.
   std::size_t append(std::string_view bytes, std::string& out);
 
  private:
-  // The units that `bytes` gives, at most a block of them; `eaten` is how many bytes these took.
-  // False when the first byte that is not taken is not of the encoding.
-  bool decodeBlock(std::string_view bytes, std::u16string& units, std::size_t& eaten);
+  enum class Block {
+    kGood,
+    kStopped,  // before a byte that is not of the encoding
+    kRefused,  // some byte is not of the encoding, and nothing is told of those before
+  };
+
+  // The units that `bytes` gives, of a block of them at most; `eaten` is how many bytes these took.
+  Block decodeBlock(std::string_view bytes, std::u16string& units, std::size_t& eaten);
+  // Whether the bytes so far end between two characters; nothing can be decoded behind.
+  bool endsWhole();
 
   std::shared_ptr<const XercesSession> session_;  // outlives the converter
   std::unique_ptr<xercesc::XMLTranscoder> transcoder_;

@@ -135,7 +135,6 @@ class SqliteQuery::Connection {
       case SQLITE_NOTADB:
       case SQLITE_TOOBIG:
       case SQLITE_MISMATCH:
-      case SQLITE_AUTH:
         throw InputError(name_, 0, text);
       default:
         throw OrbScore::EnvironmentError(name_ + ": " + text);

@@ -128,7 +128,7 @@ void readItemName(std::string_view line, ItemLabelMap& names) {
   const auto item = integerOf(line.substr(0, equals));
   std::string_view name = line.substr(equals + 1);
   if (name.ends_with('\r')) name.remove_suffix(1);
-  if (item && !name.empty()) names.emplace(*item, name);
+  if (item && *item >= 0 && !name.empty()) names.emplace(*item, name);
 }
 
 }  // namespace

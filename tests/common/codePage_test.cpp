@@ -62,6 +62,20 @@ TEST(CodePage, LongTextsAreDecodedWhole) {
   EXPECT_EQ(narrowToUtf16(text), expected);
 }
 
+// So long that the converter's room is used up before a wrong byte stops it.
+TEST(CodePage, LongTextsWithoutAWrongByteAreDecodedWhole) {
+  const ScopedCLocale utf8({"C.UTF-8", "C.utf8"});
+  ASSERT_TRUE(utf8.isInstalled());
+  std::string text = "x";
+  std::u16string expected = u"x";
+  for (int i = 0; i < 10'000; ++i) {
+    text += "\xF0\x9F\x8D\xB5";
+    expected += u"\U0001F375";
+  }
+
+  EXPECT_EQ(narrowToUtf16(text), expected);
+}
+
 TEST(CodePage, Latin1IsDecodedInALatin1Locale) {
   const ScopedCLocale latin1({"de_DE.ISO-8859-1", "de_DE.iso88591", "en_US.ISO-8859-1"});
   if (!latin1.isInstalled()) GTEST_SKIP() << "NOT TESTED: no ISO-8859-1 locale is installed";

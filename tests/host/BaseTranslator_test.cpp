@@ -143,6 +143,15 @@ TEST(BaseTranslator, QuotesTheBeginningOfALongTextThatIsNoInteger) {
                 "...\" is not a 32-bit integer (allowed: -2147483648..2147483647)");
 }
 
+TEST(BaseTranslator, QuotesHalfACharacterAsItsReplacement) {
+  const std::string behind = " is not a 32-bit integer (allowed: -2147483648..2147483647)";
+
+  EXPECT_EQ(refusalOfInt(u"7\xD83C"), "\"7\xEF\xBF\xBD\"" + behind);
+  EXPECT_EQ(refusalOfInt(u"\xD83Cz"), "\"\xEF\xBF\xBDz\"" + behind);
+  EXPECT_EQ(refusalOfInt(u"7\xDF75"), "\"7\xEF\xBF\xBD\"" + behind);
+  EXPECT_EQ(refusalOfInt(u"\xDF75\xD83C"), "\"\xEF\xBF\xBD\xEF\xBF\xBD\"" + behind);
+}
+
 TEST(BaseTranslator, TellsWhereAnElementBegins) {
   const SafeDocument document = parse("<a>\n  <b x='1'\n     y='2'/><c/>\r\n\r<d></d></a>");
   DOMElement* const b = BaseTranslator::GetFirstChildElt(document.GetRoot());

@@ -147,6 +147,8 @@ TEST(PluginLoader, EveryOtherExceptionOfThePluginBecomesOneOfTheHost) {
   EXPECT_EQ(refusal("standard"), "d.xml: the plug-in failed: seven");
   EXPECT_EQ(refusal("number"),
             "d.xml: the plug-in failed: it threw an exception of an unknown type");
+  EXPECT_EQ(refusal("pointer"), "d.xml: the plug-in failed: eight");
+  EXPECT_EQ(refusal("no pointer"), "d.xml: the plug-in failed: it threw a null pointer");
 }
 
 TEST(PluginLoader, LackOfMemoryStaysWhatItIs) { EXPECT_THROW(refusal("memory"), std::bad_alloc); }

@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <thread>
 
 #include "host/EnvironmentError.h"
@@ -137,6 +138,14 @@ TEST(SafeDocumentFile, AFileOfTheLimitLoadsAndOneByteMoreIsRefused) {
   EXPECT_EQ(refusal(path, {.bytes = 4}), "no error");
   EXPECT_EQ(refusal(path, {.bytes = 3}),
             path + ": document too large: 4 bytes, limit 3 (raise it with --max-document-bytes)");
+}
+
+// No size is one byte more than it, which is what is read of a file to see that it is too large.
+TEST(SafeDocumentFile, TheLargestLimitIsNoLimit) {
+  const TempFolder folder;
+  const std::string path = folder.file("d.xml", "<a/>");
+
+  EXPECT_EQ(refusal(path, {.bytes = std::numeric_limits<std::size_t>::max()}), "no error");
 }
 
 TEST(SafeDocumentFile, AFileThatIsTooLargeIsNotEvenOpened) {

@@ -78,6 +78,41 @@ TEST(SafeDocumentRefusal, RefusesADocumentCutAnywhere) {
         << length << ": " << refusal(text.substr(0, length));
 }
 
+// Wherever the bytes that are left of a character stand among the converter's blocks.
+TEST(SafeDocumentRefusal, RefusesADocumentCutInACharacter) {
+  const std::string head = "<?xml version='1.0' encoding='GB18030'?><a v='";
+  const std::string character = "\x94\x39\xFC\x36";
+
+  for (const std::size_t size : {100U, 4093U, 4094U, 4095U, 4096U, 8192U})
+    for (std::size_t left = 1; left < character.size(); ++left)
+      EXPECT_EQ(
+          refusal(head + std::string(size - head.size(), 'x') + character.substr(0, left)),
+          "d.xml:1:" + std::to_string(size + 1) + ": invalid byte for the encoding: \"GB18030\"")
+          << size << ' ' << left;
+  EXPECT_EQ(refusal("<?xml version='1.0' encoding='GB18030'?><a/>\x94"),
+            "d.xml:1:45: invalid byte for the encoding: \"GB18030\"");
+}
+
+// Converters have a replacement for such a byte, which is no answer.
+TEST(SafeDocumentRefusal, RefusesBytesThatAConverterReplaces) {
+  struct Row {
+    std::string encoding;
+    std::string byte;
+  };
+  const std::vector<Row> rows = {{"GB18030", "\xFF"},    {"windows-1253", "\xD2"},
+                                 {"ISO-8859-7", "\xAE"}, {"EUC-JP", "\xFF"},
+                                 {"Shift_JIS", "\x80"},  {"GB18030", "\x84\x31\xA4\x37"}};
+  for (const Row& row : rows)
+    for (const std::size_t size : {60U, 4094U, 4095U, 4096U, 4097U, 8191U, 10'000U}) {
+      std::string text = "<?xml version='1.0' encoding='" + row.encoding + "'?><a v='";
+      text.resize(size, 'x');
+      EXPECT_EQ(refusal(text + row.byte + "'/>"), "d.xml:1:" + std::to_string(size + 1) +
+                                                      ": invalid byte for the encoding: \"" +
+                                                      row.encoding + '"')
+          << size;
+    }
+}
+
 TEST(SafeDocumentRefusal, TellsWhereACutDocumentEnds) {
   EXPECT_EQ(refusal("<a>\n  <b>\n"),
             "d.xml:3:1: input ended before all started tags were ended; last tag started is 'b'");
@@ -143,6 +178,9 @@ TEST(SafeDocumentRefusal, RefusesAMalformedDocumentType) {
       {"<!DOCTYPE a SYSTEM \"x><a/>", "d.xml:1:20" + detail},
       {"<!DOCTYPE a system 'x'><a/>", "d.xml:1:13" + detail},
       {"<!DOCTYPE a PUBLIC 'x'><a/>", "d.xml:1:23" + detail},
+      {"<!DOCTYPE a PUBLIC'x' 'y'><a/>", "d.xml:1:19" + detail},
+      {"<!DOCTYPE a PUBLIC x 'y'><a/>", "d.xml:1:20" + detail},
+      {"<!DOCTYPE a PUBLIC 'x' y><a/>", "d.xml:1:24" + detail},
       {"<!DOCTYPE a PUBLIC 'x''y'><a/>", "d.xml:1:23" + detail},
       {"<!DOCTYPE a b><a/>", "d.xml:1:13" + detail},
       {"<!DOCTYPE a", "d.xml:1:12" + detail},
@@ -238,6 +276,7 @@ TEST(SafeDocumentRefusal, RefusesUnknownEncodings) {
   expectRefusals({
       {"<?xml version='1.0' encoding='nonsense'?><a/>",
        "d.xml:1:31: unknown encoding: \"nonsense\""},
+      {"<?xml version='1.0' encoding='~utf-8'?><a/>", "d.xml:1:31: unknown encoding: \"~utf-8\""},
       {"<?xml version='1.0' encoding='x\ny'?><a/>", "d.xml:1:31: unknown encoding: \"x\\ny\""},
       {"<?xml version='1.0' encoding='" + std::string(1'000'000, 'x') + "'?><a/>",
        "d.xml:1:31: unknown encoding: \"" + std::string(64, 'x') + "...\""},
@@ -247,6 +286,9 @@ TEST(SafeDocumentRefusal, RefusesUnknownEncodings) {
 TEST(SafeDocumentRefusal, RefusesBytesThatAreNotOfTheEncoding) {
   EXPECT_EQ(refusal("<?xml version='1.0' encoding='US-ASCII'?>\n<a v='\xE4'/>"),
             "d.xml:2:7: invalid byte for the encoding: \"US-ASCII\"");
+  for (const char* lineEnd : {"\n", "\r", "\r\n"})
+    EXPECT_EQ(refusal("<?xml version='1.0' encoding='US-ASCII'?>\n<a/>"s + lineEnd + "\xE4"),
+              "d.xml:3:1: invalid byte for the encoding: \"US-ASCII\"");
   EXPECT_EQ(refusal("<?xml version='1.0' encoding='US-ASCII'?>\n" + std::string(10'000, ' ') +
                     "<a v='\xE4'/>"),
             "d.xml:2:10007: invalid byte for the encoding: \"US-ASCII\"");

@@ -54,6 +54,7 @@ TEST(SafeDocument, ReadsUtf8WithAndWithoutByteOrderMark) {
   EXPECT_EQ(
       valueOf(parse("\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"UTF-8\"?><a v='\xC3\xA4'/>")),
       "\xC3\xA4");
+  EXPECT_EQ(valueOf(parse("<?xml version='1.0' encoding='utf_8'?><a v='\xC3\xA4'/>")), "\xC3\xA4");
 }
 
 TEST(SafeDocument, ReadsEncodingsThatContainAscii) {
@@ -82,6 +83,26 @@ TEST(SafeDocument, ReadsAnEncodingWhereverItsBytesFall) {
 
   for (const char* before : {"", "x", "xx", "xxx"})
     EXPECT_EQ(valueOf(parse(head + before + value + "'/>")), before + expected);
+}
+
+// There each half of a character stands for itself, so that a block may end between the two.
+TEST(SafeDocument, ReadsTheTwoHalvesOfACharacterWhereverTheyFall) {
+  const std::string head = "<?xml version='1.0' encoding='CESU-8'?><a v='";
+  std::string value, expected;
+  for (int i = 0; i < 5'000; ++i) {
+    value += "\xED\xA0\xBD\xED\xB8\x80";
+    expected += "\xF0\x9F\x98\x80";
+  }
+
+  for (const char* before : {"", "x", "xx", "xxx", "xxxx", "xxxxx"})
+    EXPECT_EQ(valueOf(parse(head + before + value + "'/>")), before + expected);
+}
+
+TEST(SafeDocument, ReplacesHalfACharacter) {
+  const std::string head = "<?xml version='1.0' encoding='CESU-8'?><a v='a";
+
+  EXPECT_EQ(valueOf(parse(head + "\xED\xA0\xBDz'/>")), "a\xEF\xBF\xBDz");
+  EXPECT_EQ(valueOf(parse(head + "\xED\xB8\x80z'/>")), "a\xEF\xBF\xBDz");
 }
 
 TEST(SafeDocument, ReadsBothVersionsOfXml) {

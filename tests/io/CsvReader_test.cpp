@@ -242,6 +242,11 @@ TEST(CsvReader, InvalidUtf8IsRefusedWithItsPlace) {
             "f.csv:2:2: byte 1 of the field is not valid UTF-8");
 }
 
+TEST(CsvReader, ABadFieldOfALastLineWithoutEndIsRefusedToo) {
+  EXPECT_EQ(inputError("a,b\n1,ab\xFF"), "f.csv:2:2: byte 3 of the field is not valid UTF-8");
+  EXPECT_EQ(inputError("a,b\n1,x\0y"s), "f.csv:2:2: byte 2 of the field is NUL");
+}
+
 TEST(CsvReader, Utf8TextIsKept) {
   EXPECT_EQ(rows("a\nM\xC3\xBCller \xF0\x9F\x8D\xB5\n"),
             (std::vector<Row>{{"M\xC3\xBCller \xF0\x9F\x8D\xB5"}}));

@@ -243,6 +243,13 @@ TEST(LogReader, SpmfItemsCanBeTexts) {
   EXPECT_THAT(log.labels, ElementsAre(Pair(1, "10 pot"), Pair(2, "9")));
 }
 
+TEST(LogReader, SpmfNamesOfItemsThatNoLineHasLabelNoText) {
+  LogOptions options = formatted(LogFormat::kSpmf);
+  options.builder.items = ItemKind::kText;
+  EXPECT_THAT(read("@ITEM=7=green tea\n9 -1 -2\n", options).labels, ElementsAre(Pair(1, "9")));
+  EXPECT_THAT(read("@ITEM=-7=green tea\n", options).labels, IsEmpty()) << "no item is below 0";
+}
+
 TEST(LogReader, ColumnsOfHistoriesAreHistories) {
   EXPECT_THAT(lines("customer,history\na,(3 5)(7)\nb,\nc,(1 [4]) (2) (3 [2011-01-18])\n"),
               ElementsAre("a 1:(3 5) 2:(7)", "b", "c 4:(1) 4:(2) 1295308800:(3)"))
@@ -281,6 +288,14 @@ TEST(LogReader, ACustomerInPartsWantsTimes) {
       StartsWith("log:2: the customer came before"));
   EXPECT_THAT(errorIn("customer,history\na,(1)\na,(2)\n"),
               StartsWith("log:3:2: the customer came before"));
+}
+
+TEST(LogReader, HistoriesOfACustomerInPartsAreOrderedByTheirTimes) {
+  EXPECT_THAT(lines("customer,history\na,(1 [5])\nb,(9)\na,(2 [4])(3 [6])\n"),
+              ElementsAre("a 4:(2) 5:(1) 6:(3)", "b 1:(9)"));
+  EXPECT_THAT(lines("customer,history\na,(1 [5])\na,(2)(3 [4])(7)\n"),
+              ElementsAre("a 1:(2) 4:(3) 4:(7) 5:(1)"))
+      << "one time is enough: sets in front of it count from 1, those behind share it";
 }
 
 TEST(LogReader, AHistoryOfNobodyIsTold) {

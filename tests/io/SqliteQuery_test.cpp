@@ -2,17 +2,23 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sqlite3.h>
+#include <unistd.h>
 #include <zlib.h>
 
+#include <cstdlib>
 #include <filesystem>
+#include <iostream>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "host/EnvironmentError.h"
 #include "io/IoError.h"
 #include "io/LogReader.h"
+#include "io/process.h"
 #include "tests/support/TempFolder.h"
 
 namespace {
@@ -124,6 +130,9 @@ TEST_F(Sqlite, BadQueriesAreRefused) {
   EXPECT_THAT(errorIn(path, "SELEKT"), HasSubstr("syntax error"));
   EXPECT_THAT(errorIn(path, "SELECT CAST(x'FF' AS TEXT)"),
               HasSubstr("f.db:1:1: the text is no UTF-8"));
+  EXPECT_THAT(errorIn(path, "SELECT 1, CAST(x'6100' AS TEXT)"),
+              EndsWith("f.db:1:2: the text is no UTF-8, or holds a NUL"));
+  EXPECT_THAT(errorIn(path, "SELECT 1 LIMIT 'abc'"), EndsWith("f.db: datatype mismatch"));
   EXPECT_THAT(
       errorOf<InputError>([&] { SqliteQuery(path, "SELECT who FROM sales").columnOf("a"); }),
       EndsWith("no column \"a\"; the columns are \"who\""));
@@ -132,6 +141,11 @@ TEST_F(Sqlite, BadQueriesAreRefused) {
 TEST_F(Sqlite, WhatIsNoDatabaseIsRefused) {
   EXPECT_THAT(errorIn(folder_.file("f.db", "customer,time,item\n"), "SELECT 1 FROM x"),
               HasSubstr("file is not a database"));
+  EXPECT_THAT(errorIn(folder_.file("f.db", "\x1Fx"), "SELECT 1 FROM x"),
+              HasSubstr("file is not a database"));
+  EXPECT_THAT(errorIn(folder_.file("f.db", "\x1F"), "SELECT 1 FROM x"),
+              HasSubstr("no such table: x"))
+      << "SQLite takes a file of one byte for a database without tables";
   const std::string cut = compressed(database("g.db"));
   std::filesystem::resize_file(cut, std::filesystem::file_size(cut) / 2);
   EXPECT_THAT(errorIn(cut, "SELECT who FROM sales"), HasSubstr("the gzip data end too early"));
@@ -147,6 +161,40 @@ TEST_F(Sqlite, ACompressedDatabaseBeyondTheLimitOfMemoryIsRefused) {
   EXPECT_THAT(
       errorOf<InputError>([&] { SqliteQuery(packed, "SELECT who FROM sales", size - 1); }),
       HasSubstr("the database is larger than " + std::to_string(size - 1) + " bytes, the limit"));
+}
+
+// SQLite opens no path of more than 512 bytes, which the system does.
+TEST_F(Sqlite, ADatabaseThatSqliteCannotOpenIsAnErrorOfTheEnvironment) {
+  std::filesystem::path deep = folder_.path();
+  for (int i = 0; i < 3; ++i) deep /= std::string(200, 'd');
+  std::filesystem::create_directories(deep);
+  std::filesystem::rename(database("f.db"), deep / "f.db");
+
+  EXPECT_THAT(errorOf<OrbScore::EnvironmentError>(
+                  [&] { SqliteQuery(deep / "f.db", "SELECT who FROM sales"); }),
+              EndsWith("f.db: unable to open database file"));
+}
+
+// Ends the process; what the query throws stands on standard error. Without an end at the request
+// the query takes a minute or so.
+[[noreturn]] void askToStopDuringAQuery(const std::string& path) {
+  ::signal(SIGINT, SIG_DFL);
+  orbseq::watchForInterrupt();
+  SqliteQuery query(path,
+                    "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < "
+                    "200000000) SELECT count(*) FROM n");
+  std::thread person([] {
+    ::usleep(50'000);
+    ::kill(::getpid(), SIGINT);
+  });
+  std::cerr << errorOf<OrbScore::EnvironmentError>([&] { query.next(); });
+  person.join();
+  std::exit(orbseq::interrupted() ? 0 : 1);
+}
+
+TEST_F(Sqlite, ARequestToStopEndsALongQuery) {
+  const std::string path = database("f.db");
+  EXPECT_EXIT(askToStopDuringAQuery(path), testing::ExitedWithCode(0), "f.db: interrupted$");
 }
 
 TEST_F(Sqlite, ADamagedDatabaseIsAnErrorAndNoCrash) {

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -11,6 +12,7 @@
 #include "io/IoError.h"
 #include "io/ModelFile.h"
 #include "tests/io/modelSamples.h"
+#include "tests/support/Program.h"
 #include "tests/support/TempFolder.h"
 
 namespace {
@@ -48,6 +50,47 @@ std::string errorIn(const std::string& content) {
 
 TEST(ModelLabels, TheFileHasTheModelsName) {
   EXPECT_EQ(labelFileOf("a/m.bin"), "a/m.bin.labels.csv");
+}
+
+TEST(ModelLabels, ALinkThatLeadsNowhereHasTheFileBesideItself) {
+  const TempFolder folder;
+  const std::string a = folder.path("a");
+  std::filesystem::create_symlink(folder.path("b"), a);
+  std::filesystem::create_symlink(a, folder.path("b"));
+
+  EXPECT_EQ(labelFileOf(a), a + ".labels.csv");
+}
+
+// For a while the process has the rights of a user like any other.
+class WithoutRights {
+ public:
+  WithoutRights() = default;
+  ~WithoutRights() { EXPECT_TRUE(!isRoot_ || ::seteuid(0) == 0); }
+  WithoutRights(const WithoutRights&) = delete;
+  WithoutRights& operator=(const WithoutRights&) = delete;
+
+  bool holds() const noexcept { return holds_; }
+
+ private:
+  bool isRoot_ = ::geteuid() == 0;
+  bool holds_ = !isRoot_ || ::seteuid(orbseq::test::kNobody) == 0;
+};
+
+TEST(ModelLabels, AFileThatCannotBeRemovedIsAnError) {
+  using std::filesystem::perms;
+  const TempFolder folder;
+  const std::string path = folder.file("m.bin.labels.csv", "item,label\n1,tea\n");
+  std::filesystem::permissions(folder.path(), perms(0555));
+  std::string error;
+  {
+    const WithoutRights nobody;
+    if (!nobody.holds()) GTEST_SKIP() << "no other user's rights can be taken";
+    error = errorOf<orbseq::FileError>([&] { orbseq::removeLabelsBeside(folder.path("m.bin")); });
+  }
+  std::filesystem::permissions(folder.path(), perms::owner_all);
+
+  EXPECT_EQ(error, path + ": cannot remove: Permission denied");
+  EXPECT_TRUE(std::filesystem::exists(path));
 }
 
 TEST(ModelLabels, WhatIsWrittenIsRead) {

@@ -3,14 +3,25 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
+#include <iostream>
+#include <string>
+#include <thread>
+
+#include "io/IoError.h"
+#include "io/descriptor.h"
+#include "tests/support/TempFolder.h"
 
 namespace {
 
+using orbseq::FileError;
 using orbseq::StandardStream;
+using orbseq::test::errorOf;
 
 // What `check` answers in a process of its own.
 template <class Check>
@@ -74,6 +85,67 @@ TEST(Process, AnInterruptEndsAReadThatWaits) {
     ::waitpid(helper, nullptr, 0);
     return ended && orbseq::interrupted();
   }));
+}
+
+// Ends the process; what the write throws stands on standard error.
+[[noreturn]] void writeAfterAnInterrupt(int descriptor) {
+  ::signal(SIGINT, SIG_DFL);
+  orbseq::watchForInterrupt();
+  ::raise(SIGINT);
+  std::cerr << errorOf<FileError>([&] { orbseq::writeAll(descriptor, "x", "f"); });
+  std::exit(0);
+}
+
+TEST(Process, AfterAnInterruptNothingIsWritten) {
+  int pipe[2];
+  ASSERT_EQ(::pipe(pipe), 0);
+  EXPECT_EXIT(writeAfterAnInterrupt(pipe[1]), testing::ExitedWithCode(0),
+              "^f: cannot write: Interrupted system call$");
+  ::close(pipe[1]);
+  char byte = 0;
+  EXPECT_EQ(::read(pipe[0], &byte, 1), 0);
+  ::close(pipe[0]);
+}
+
+TEST(Process, AReadWaitsForAPipeAsLongAsItTakes) {
+  int pipe[2];
+  ASSERT_EQ(::pipe(pipe), 0);
+  std::thread writer([&] {
+    ::usleep(350'000);  // some of the looks whether to go on
+    (void)!::write(pipe[1], "late", 4);
+    ::close(pipe[1]);
+  });
+  std::string room(10, '\0');
+  const auto count = orbseq::readAll(pipe[0], room);
+  writer.join();
+  ::close(pipe[0]);
+
+  EXPECT_EQ(room.substr(0, count.value_or(0)), "late");
+}
+
+// The system lets nobody wait for more descriptors than may be open.
+TEST(Process, AReadThatCannotWaitFails) {
+  const int file = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+  rlimit before{};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+  const rlimit none{0, before.rlim_max};
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+  char byte = 0;
+  const auto count = orbseq::readAll(file, {&byte, 1});
+  const int error = errno;
+  ::setrlimit(RLIMIT_NOFILE, &before);
+  ::close(file);
+
+  EXPECT_FALSE(count);
+  EXPECT_EQ(error, EINVAL);
+}
+
+TEST(Process, AWriteToAClosedDescriptorFails) {
+  const int closed = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+  ::close(closed);
+
+  EXPECT_EQ(errorOf<FileError>([&] { orbseq::writeAll(closed, "x", "f"); }),
+            "f: cannot write: Bad file descriptor");
 }
 
 TEST(Process, AnIgnoredInterruptStaysIgnored) {

@@ -40,6 +40,8 @@ void failAs(const std::string& kind) {
   if (kind == "memory") throw std::bad_alloc();
   if (kind == "standard") throw std::out_of_range("seven");
   if (kind == "number") throw 7;
+  if (kind == "pointer") throw new std::out_of_range("eight");
+  if (kind == "no pointer") throw static_cast<std::exception*>(nullptr);
 }
 
 class PluginTranslator : public OrbScore::BaseTranslator {
