@@ -180,6 +180,8 @@ TEST(JsonHistoryReader, BasketsAndTimesThatAreNoArraysAreRefused) {
             "f.jsonl:1: the baskets are an array of arrays of items, not text");
   EXPECT_EQ(inputError("{\"customer\": 1, \"times\": \"2020-01-01\"}"),
             "f.jsonl:1: the times are an array of numbers or texts, not text");
+  EXPECT_EQ(inputError("{\"customer\": 1, \"times\": 5}"),
+            "f.jsonl:1: the times are an array of numbers or texts, not a number");
 }
 
 TEST(JsonHistoryReader, AnItemThatIsNoInteger32IsRefused) {

@@ -60,6 +60,19 @@ class StandardInput {
   int before_;
 };
 
+TEST(ModelFile, LabelsAreKeptBesideWhatIsAFile) {
+  const TempFolder folder;
+  for (const ModelForm form : {ModelForm::kDocument, ModelForm::kPmml}) {
+    EXPECT_TRUE(orbseq::keepsLabels("-", form));
+    EXPECT_TRUE(orbseq::keepsLabels("/dev/null", form));
+  }
+  for (const ModelForm form : {ModelForm::kBinary, ModelForm::kObjectXml, ModelForm::kCompiled}) {
+    EXPECT_TRUE(orbseq::keepsLabels(folder.path("model"), form));
+    EXPECT_FALSE(orbseq::keepsLabels("-", form));
+    EXPECT_FALSE(orbseq::keepsLabels("/dev/null", form));
+  }
+}
+
 TEST(ModelFile, WorldsComeThroughEveryPairOfForms) {
   const TempFolder folder, seconds;
   for (std::uint32_t seed = 1; seed <= 25; ++seed) {

@@ -144,21 +144,31 @@ TEST(ModelRefusals, ADocumentHasAsManyLevelsAsAnyOtherForm) {
             "(line 1, column 68): 64 is outside -1..63");
 }
 
+orbseq::Model modelWithoutLevels(const std::string& minimumSupport) {
+  const TempFolder folder;
+  return readModel(folder.file(
+      "model",
+      "<SequentialAssociationLattice version=\"1.0\"><SeqAssociationLattice>"
+      "<SeqInputStats numberOfTransactions=\"1\" minimumSupport=\"" +
+          minimumSupport +
+          "\" maxSequenceSize=\"-1\" numberOfItems=\"0\" numberOfSets=\"0\" "
+          "numberOfSequences=\"0\"/></SeqAssociationLattice></SequentialAssociationLattice>"));
+}
+
 // A document may say that it has no levels at all; what is made of it can be stored and scored
 // with.
 TEST(ModelRefusals, ADocumentWithoutLevelsIsAnEmptyModel) {
-  const TempFolder folder;
-  const std::string path = folder.file(
-      "model",
-      "<SequentialAssociationLattice version=\"1.0\"><SeqAssociationLattice>"
-      "<SeqInputStats numberOfTransactions=\"1\" minimumSupport=\"1\" maxSequenceSize=\"-1\" "
-      "numberOfItems=\"0\" numberOfSets=\"0\" numberOfSequences=\"0\"/>"
-      "</SeqAssociationLattice></SequentialAssociationLattice>");
-
-  const orbseq::Model model = readModel(path);
+  const orbseq::Model model = modelWithoutLevels("1");
 
   EXPECT_EQ(model.lattice->getNumLevels(), 1);
   EXPECT_EQ(model.lattice->NumberOfSequences(), 0);
+}
+
+// Nothing is scored with it: a document of others may tell it as it likes.
+TEST(ModelRefusals, AMinimumSupportThatIsNoFractionIsNone) {
+  EXPECT_EQ(modelWithoutLevels("0.25").lattice->getReductionThreshold(), 0.25);
+  for (const char* none : {"", "abc", "-0.5", "1.5", "1e999", "nan"})
+    EXPECT_EQ(modelWithoutLevels(none).lattice->getReductionThreshold(), 0.0) << none;
 }
 
 TEST(ModelRefusals, ABadCountInABinaryIsToldWithItsRange) {
