@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <xercesc/dom/DOMElement.hpp>
 
 #include "host/SafeDocument.h"
 #include "scoring/hostapi/QuException.h"
@@ -50,6 +51,9 @@ TEST(BaseTranslator, WalksElementsPastTextsAndComments) {
   EXPECT_TRUE(BaseTranslator::HasTagName(second, u"c"));
   EXPECT_EQ(BaseTranslator::GetNextSiblingElt(second), nullptr);
   EXPECT_EQ(BaseTranslator::GetFirstChildElt(second), nullptr);
+  const OrbScore::DOMNodeList* const children = document.GetRoot()->getChildNodes();
+  EXPECT_EQ(BaseTranslator::GetElt(children, 0), nullptr);
+  EXPECT_EQ(BaseTranslator::GetElt(children, 1), first);
 }
 
 TEST(BaseTranslator, ListsDescendantsByNameInDocumentOrder) {
