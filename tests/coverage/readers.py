@@ -68,7 +68,7 @@ def main():
     root = pathlib.Path(sys.argv[1]).resolve()
     export = json.load(sys.stdin)["data"][0]
     reasons = explained()
-    missed, met = {}, 0
+    missed, met = [], 0  # (miss, line); conditions of a file with one text share their row
     lines = covered = 0
     for file in export["files"]:
         name = str(pathlib.Path(file["filename"]).relative_to(root))
@@ -78,14 +78,14 @@ def main():
         covered += file["summary"]["lines"]["covered"]
         for miss, line, count in outcomes_of(file, name, root):
             if count == 0:
-                missed[miss] = line
+                missed.append((miss, line))
             else:
                 met += 1
-    unexplained = [miss for miss in missed if miss not in reasons]
-    for miss in unexplained:
-        print(f"{miss.file}:{missed[miss]}: never {miss.never}: {miss.condition}")
-    stale = [miss for miss in reasons if miss not in missed]
-    for miss in stale:
+    unexplained = [(miss, line) for miss, line in missed if miss not in reasons]
+    for miss, line in unexplained:
+        print(f"{miss.file}:{line}: never {miss.never}: {miss.condition}")
+    stale = reasons.keys() - {miss for miss, _ in missed}
+    for miss in sorted(stale):
         print(f"misses.txt: met by now: {miss.file}: never {miss.never}: {miss.condition}")
     print(f"readers: {covered} of {lines} lines; {met} of {met + len(missed)} outcomes of conditions, "
           f"{len(missed) - len(unexplained)} of the others explained")
