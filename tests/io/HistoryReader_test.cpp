@@ -1,15 +1,14 @@
 #include "io/HistoryReader.h"
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "io/IoError.h"
+#include "tests/support/StandardInput.h"
 #include "tests/support/TempFolder.h"
 
 namespace {
@@ -22,6 +21,7 @@ using orbseq::ItemNames;
 using orbseq::LogFormat;
 using orbseq::LogOptions;
 using orbseq::test::errorOf;
+using orbseq::test::StandardInput;
 using orbseq::test::TempFolder;
 using testing::ElementsAre;
 using testing::EndsWith;
@@ -146,28 +146,9 @@ TEST_F(HistoryForms, ATsvWithHistoriesIsReadAsSuch) {
   EXPECT_THAT(read(LogFormat::kTsv, "customer\thistory\n7\t(3 5)(9)\n"), ElementsAre("7|(3 5)(9)"));
 }
 
-// Makes a file the standard input for a while.
-class GivenInput {
- public:
-  explicit GivenInput(const std::string& path) : before_(::dup(STDIN_FILENO)) {
-    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    EXPECT_EQ(::dup2(file, STDIN_FILENO), STDIN_FILENO);
-    ::close(file);
-  }
-  ~GivenInput() {
-    ::dup2(before_, STDIN_FILENO);
-    ::close(before_);
-  }
-  GivenInput(const GivenInput&) = delete;
-  GivenInput& operator=(const GivenInput&) = delete;
-
- private:
-  int before_;
-};
-
 TEST(HistoryReader, FormsThatAreReadAsAWholeMayComeOnStandardInput) {
   const TempFolder folder;
-  const GivenInput input(folder.file("f", "7 1 2 3 5\n7 2 1 9\n"));
+  const StandardInput input(folder.file("f", "7 1 2 3 5\n7 2 1 9\n"));
   LogOptions options;
   options.format = LogFormat::kBasket;
   HistoryReader reader("-", options);
@@ -181,7 +162,7 @@ TEST(HistoryReader, FormsThatAreReadAsAWholeMayComeOnStandardInput) {
 // Names of items are looked at when all lines are read: no line belongs to the error.
 TEST(HistoryReader, ErrorsBehindTheLastLineNameStandardInput) {
   const TempFolder folder;
-  const GivenInput input(folder.file("f", "@ITEM=7=" + std::string(2'000'000, 'x') + "\n"));
+  const StandardInput input(folder.file("f", "@ITEM=7=" + std::string(2'000'000, 'x') + "\n"));
   LogOptions options;
   options.format = LogFormat::kSpmf;
   options.builder.items = orbseq::ItemKind::kText;

@@ -5,16 +5,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <cstdio>
 #include <fstream>
 #include <future>
-#include <stdexcept>
 #include <string>
 
 #include "host/SafeDocument.h"
 #include "tests/io/modelSamples.h"
+#include "tests/support/StandardInput.h"
 #include "tests/support/TempFolder.h"
 
 namespace {
@@ -38,27 +36,6 @@ ItemLabelMap labelsOfKnownItems(const Model& model) {
 std::string pathOf(const TempFolder& folder, ModelForm form) {
   return folder.path(std::string("model.") + nameOf(form));
 }
-
-// Standard input from a file, while it lives.
-class StandardInput {
- public:
-  explicit StandardInput(const std::string& path) : before_(::dup(STDIN_FILENO)) {
-    std::rewind(stdin);
-    std::clearerr(stdin);
-    if (std::freopen(path.c_str(), "rb", stdin) == nullptr) throw std::runtime_error("no file");
-  }
-  ~StandardInput() {
-    std::fflush(stdin);
-    ::dup2(before_, STDIN_FILENO);
-    ::close(before_);
-    std::clearerr(stdin);
-  }
-  StandardInput(const StandardInput&) = delete;
-  StandardInput& operator=(const StandardInput&) = delete;
-
- private:
-  int before_;
-};
 
 TEST(ModelFile, LabelsAreKeptBesideWhatIsAFile) {
   const TempFolder folder;
