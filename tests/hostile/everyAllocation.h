@@ -30,6 +30,7 @@
 
 #include "scoring/hostapi/QuException.h"
 #include "sequence/SeqExceptions.h"
+#include "tests/hostile/Meter.h"
 #include "tests/support/FailingAllocator.h"
 #include "tests/support/longRun.h"
 
@@ -109,9 +110,11 @@ End endOf(Operation& operation, long n, Failing failing, FailingIn threads, bool
 
 inline constexpr long kMostAllocations = 100'000;  // of an operation
 
-// Of a save to a file, which takes so long that from there on only every seventh fails; each does
-// when ORBSEQ_LONG_RUN is set.
-inline long eachOfASave() { return isLongRun() ? kMostAllocations : 200; }
+// The allocation from which on only every seventh fails, of operations that take long: of a save to
+// a file, and of any under a sanitizer. Each fails when ORBSEQ_LONG_RUN is set.
+inline long eachOfALongOne() { return isLongRun() ? kMostAllocations : 200; }
+inline long eachOfASave() { return eachOfALongOne(); }
+inline long eachOfAny() { return Meter::slowdown() > 1 ? eachOfALongOne() : kMostAllocations; }
 
 // What the object that an operation fills holds before.
 enum class Former { kNone, kOther };
@@ -122,8 +125,7 @@ enum class Former { kNone, kOther };
 // one fail where that is asked for, and then none of its own.
 template <class Operation>
 void failEveryAllocationOf(Failing failing, std::initializer_list<End> allowed,
-                           long each = kMostAllocations,
-                           FailingIn threads = FailingIn::kThisThread) {
+                           long each = eachOfAny(), FailingIn threads = FailingIn::kThisThread) {
   constexpr long kStep = 7;
   const char* const when = failing == Failing::kOnce ? ", once" : ", and all that follow";
   {
@@ -164,7 +166,7 @@ void failEveryAllocationOf(Failing failing, std::initializer_list<End> allowed,
 }
 
 template <class Operation>
-void failEveryAllocationOf(std::initializer_list<End> allowed, long each = kMostAllocations,
+void failEveryAllocationOf(std::initializer_list<End> allowed, long each = eachOfAny(),
                            FailingIn threads = FailingIn::kThisThread) {
   failEveryAllocationOf<Operation>(Failing::kOnce, allowed, each, threads);
   failEveryAllocationOf<Operation>(Failing::kForEver, allowed, each, threads);
