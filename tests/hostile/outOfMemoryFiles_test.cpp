@@ -112,7 +112,7 @@ class MineElsewhere : public Mine<2, false> {
  public:
   MineElsewhere() {
     options_.progress = [](const orbseq::MinerStatus&) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(3));
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
       return true;
     };
   }
@@ -130,7 +130,7 @@ TEST(OutOfMemory, MiningInAThreadThatTheCallerWaitsFor) {
   failEveryAllocationOf<MineElsewhere>({End::kBadAlloc}, kMostAllocations,
                                        FailingIn::kOtherThreads);
 
-  EXPECT_GT(MineElsewhere::failures, 10) << "the other thread had hardly anything to do";
+  EXPECT_GT(MineElsewhere::failures, 0) << "the other thread had nothing to do";
 }
 
 // With the lattice as the working store, and with or without a second pass.
