@@ -108,8 +108,8 @@ def check(build, names):
 
     def needed(row):
         passes = run(build, row.program, [row.test], HANG_SECONDS, ORBSEQ_WITHOUT_GUARD=row.guard)
-        if passes is None:  # it hangs for want of the check if with it half the time is enough
-            return run(build, row.program, [row.test], HANG_SECONDS / 2)
+        if passes is None:  # it hangs for want of the check if with it the time is enough
+            return run(build, row.program, [row.test], HANG_SECONDS)
         return not passes
 
     with concurrent.futures.ThreadPoolExecutor(2) as pool:
