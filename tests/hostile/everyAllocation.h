@@ -113,7 +113,6 @@ inline constexpr long kMostAllocations = 100'000;  // of an operation
 // The allocation from which on only every seventh fails, of operations that take long: of a save to
 // a file, and of any under a sanitizer. Each fails when ORBSEQ_LONG_RUN is set.
 inline long eachOfALongOne() { return isLongRun() ? kMostAllocations : 200; }
-inline long eachOfASave() { return eachOfALongOne(); }
 inline long eachOfAny() { return Meter::slowdown() > 1 ? eachOfALongOne() : kMostAllocations; }
 
 // What the object that an operation fills holds before.

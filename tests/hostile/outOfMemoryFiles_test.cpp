@@ -130,7 +130,7 @@ TEST(OutOfMemory, MiningInAThreadThatTheCallerWaitsFor) {
   failEveryAllocationOf<MineElsewhere>({End::kBadAlloc}, kMostAllocations,
                                        FailingIn::kOtherThreads);
 
-  EXPECT_GT(MineElsewhere::failures, 0) << "the other thread had nothing to do";
+  EXPECT_GT(MineElsewhere::failures, 10) << "the other thread had hardly anything to do";
 }
 
 // With the lattice as the working store, and with or without a second pass.
@@ -221,19 +221,19 @@ class Save {
 };
 
 TEST(OutOfMemory, SavingADocument) {
-  failEveryAllocationOf<Save<ModelForm::kDocument>>({End::kBadAlloc}, eachOfASave());
+  failEveryAllocationOf<Save<ModelForm::kDocument>>({End::kBadAlloc}, eachOfALongOne());
 }
 TEST(OutOfMemory, SavingPmml) {
-  failEveryAllocationOf<Save<ModelForm::kPmml>>({End::kBadAlloc}, eachOfASave());
+  failEveryAllocationOf<Save<ModelForm::kPmml>>({End::kBadAlloc}, eachOfALongOne());
 }
 TEST(OutOfMemory, SavingBinary) {
-  failEveryAllocationOf<Save<ModelForm::kBinary>>({End::kBadAlloc}, eachOfASave());
+  failEveryAllocationOf<Save<ModelForm::kBinary>>({End::kBadAlloc}, eachOfALongOne());
 }
 TEST(OutOfMemory, SavingObjectXml) {
-  failEveryAllocationOf<Save<ModelForm::kObjectXml>>({End::kBadAlloc}, eachOfASave());
+  failEveryAllocationOf<Save<ModelForm::kObjectXml>>({End::kBadAlloc}, eachOfALongOne());
 }
 TEST(OutOfMemory, SavingCompiled) {
-  failEveryAllocationOf<Save<ModelForm::kCompiled>>({End::kBadAlloc}, eachOfASave());
+  failEveryAllocationOf<Save<ModelForm::kCompiled>>({End::kBadAlloc}, eachOfALongOne());
 }
 
 // --- Reading back --------------------------------------------------------------------------------

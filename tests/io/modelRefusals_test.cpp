@@ -124,20 +124,20 @@ TEST(ModelRefusals, BytesAfterABinaryAreTold) {
   EXPECT_EQ(refusalText(whole + whole), refusalText(whole + "x"));
 }
 
+std::string documentOfLevels(int levels, const std::string& minimumSupport = "1") {
+  std::string text =
+      "<SequentialAssociationLattice version=\"1.0\"><SeqAssociationLattice>"
+      "<SeqInputStats numberOfTransactions=\"1\" "
+      "minimumSupport=\"" +
+      minimumSupport + "\" maxSequenceSize=\"" + std::to_string(levels - 1) +
+      "\" numberOfItems=\"0\" numberOfSets=\"0\" numberOfSequences=\"0\"/>";
+  for (int level = 0; level < levels; ++level)
+    text += "<LatticeLevel level=\"" + std::to_string(level) + "\" numberOfSequences=\"0\"/>";
+  return text + "</SeqAssociationLattice></SequentialAssociationLattice>";
+}
+
 // A stored lattice has no more levels, and what was read from a document can be stored.
 TEST(ModelRefusals, ADocumentHasAsManyLevelsAsAnyOtherForm) {
-  const auto documentOfLevels = [](int levels) {
-    std::string text =
-        "<SequentialAssociationLattice version=\"1.0\"><SeqAssociationLattice>"
-        "<SeqInputStats numberOfTransactions=\"1\" "
-        "minimumSupport=\"1\" maxSequenceSize=\"" +
-        std::to_string(levels - 1) +
-        "\" numberOfItems=\"0\" numberOfSets=\"0\" numberOfSequences=\"0\"/>";
-    for (int level = 0; level < levels; ++level)
-      text += "<LatticeLevel level=\"" + std::to_string(level) + "\" numberOfSequences=\"0\"/>";
-    return text + "</SeqAssociationLattice></SequentialAssociationLattice>";
-  };
-
   EXPECT_EQ(refusalText(documentOfLevels(64)), "");
   EXPECT_EQ(refusalText(documentOfLevels(65)),
             "model: lattice refused: SeqAssociationLattice/SeqInputStats/@maxSequenceSize "
@@ -146,13 +146,7 @@ TEST(ModelRefusals, ADocumentHasAsManyLevelsAsAnyOtherForm) {
 
 orbseq::Model modelWithoutLevels(const std::string& minimumSupport) {
   const TempFolder folder;
-  return readModel(folder.file(
-      "model",
-      "<SequentialAssociationLattice version=\"1.0\"><SeqAssociationLattice>"
-      "<SeqInputStats numberOfTransactions=\"1\" minimumSupport=\"" +
-          minimumSupport +
-          "\" maxSequenceSize=\"-1\" numberOfItems=\"0\" numberOfSets=\"0\" "
-          "numberOfSequences=\"0\"/></SeqAssociationLattice></SequentialAssociationLattice>"));
+  return readModel(folder.file("model", documentOfLevels(0, minimumSupport)));
 }
 
 // A document may say that it has no levels at all; what is made of it can be stored and scored
